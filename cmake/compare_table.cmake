@@ -1,0 +1,12 @@
+# Runs a table generator and compares its output with the committed table.
+get_filename_component(name "${COMMITTED}" NAME)
+set(fresh "${CMAKE_CURRENT_BINARY_DIR}/regenerated_${name}")
+execute_process(COMMAND "${GENERATOR}" OUTPUT_FILE "${fresh}" RESULT_VARIABLE status)
+if(NOT status EQUAL 0)
+  message(FATAL_ERROR "generator failed: ${GENERATOR} (${status})")
+endif()
+execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files "${fresh}" "${COMMITTED}" RESULT_VARIABLE differ)
+if(NOT differ EQUAL 0)
+  message(FATAL_ERROR "${COMMITTED} differs from what ${GENERATOR} makes now (see ${fresh})")
+endif()
+message(STATUS "${name}: identical to its generator's output")

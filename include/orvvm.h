@@ -1,0 +1,116 @@
+/*
+ * orvvm: element-wise vector mathematics for x86-64.
+ *
+ * Every vector operation applies one function to each element of the
+ * caller's arrays, writes the results to dst and returns an OrvStatus:
+ * negative when the call did nothing (a bad argument), zero or a positive
+ * warning when every element was processed.  A warning never stops the
+ * loop; when several elements warn, the status returned is that of the
+ * last one in ascending element order.
+ *
+ * Names are orvs<Op>_<type>_<tier>: the type is 32f, 64f, 32fc or 64fc and
+ * the tier is the number of significand bits the member is built to get
+ * right (A11, A21, A24 for 32-bit bases, A26, A50, A53 for 64-bit bases).
+ * Arrays need no alignment beyond that of their element type; dst may be
+ * the same array as a source.
+ *
+ * This header compiles as C99 and as C++.
+ */
+#ifndef ORVVM_H
+#define ORVVM_H
+
+#include <stdint.h>
+
+#if defined(ORVVM_BUILDING_LIBRARY)
+#define ORVVM_API __attribute__((visibility("default")))
+#else
+#define ORVVM_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Element types: IEEE binary32 and binary64, and complex records of two,
+   re first, adjacent in memory. */
+typedef float Orv32f;
+typedef double Orv64f;
+typedef struct {
+    Orv32f re;
+    Orv32f im;
+} Orv32fc;
+typedef struct {
+    Orv64f re;
+    Orv64f im;
+} Orv64fc;
+
+/* Result of every vector operation. */
+typedef int32_t OrvStatus;
+enum {
+    orvStatusOk = 0,            /* all elements processed, no warning */
+    orvStatusBadLength = -6,    /* len <= 0; nothing read or written */
+    orvStatusNullPointer = -8,  /* an array pointer is null; nothing read or written */
+    orvStatusOverflow = 12,     /* a finite argument gave a result too large */
+    orvStatusUnderflow = 17,    /* a finite argument gave a result too small */
+    orvStatusSingularity = 18,  /* an argument stood on a pole */
+    orvStatusDomain = 19        /* an argument lay outside the domain */
+};
+
+/* The library's version record: constant, owned by the library. */
+typedef struct {
+    int32_t major;
+    int32_t minor;
+    int32_t buildMajor;
+    int32_t buildMinor;
+    char processorTag[4];
+    const char* fileName;
+    const char* versionText;
+    const char* buildDate;
+} OrvLibraryVersion;
+
+/* Returns the same constant record on every call; never null. */
+ORVVM_API const OrvLibraryVersion* orvvmGetLibVersion(void);
+
+/* ---- Plain arithmetic -------------------------------------------------
+ * Exact or single correctly rounded operations, highest tier only.  They
+ * run with no floating-point guard: results follow the caller's rounding
+ * mode, flush-to-zero and denormals-are-zero.  Always orvStatusOk after the
+ * argument checks (len first, then pointers). */
+
+/* Add: dst[i] = src1[i] + src2[i].  Shape B.  Real members handle any
+   overlap of dst with a source as an ascending scalar loop would. */
+ORVVM_API OrvStatus orvsAdd_32f_A24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAdd_64f_A53(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAdd_32fc_A24(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsAdd_64fc_A53(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
+
+/* Sub: dst[i] = src1[i] - src2[i].  Shape B. */
+ORVVM_API OrvStatus orvsSub_32f_A24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSub_64f_A53(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSub_32fc_A24(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsSub_64fc_A53(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
+
+/* Mul (real): dst[i] = src1[i] * src2[i].  Shape B. */
+ORVVM_API OrvStatus orvsMul_32f_A24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsMul_64f_A53(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+
+/* Sqr: dst[i] = src[i] * src[i].  Shape U. */
+ORVVM_API OrvStatus orvsSqr_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqr_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
+/* Abs (real): dst[i] = |src[i]|, computed as src[i] times 1.0 carrying the
+   sign of src[i]: a NaN keeps its sign and comes out quiet, and a denormal
+   reads as zero under denormals-are-zero.  Shape U. */
+ORVVM_API OrvStatus orvsAbs_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAbs_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
+/* Conj: dst[i] = conjugate of src[i]; the sign bit of im is inverted by an
+   exclusive or (no flag, NaN payloads kept).  Shape U. */
+ORVVM_API OrvStatus orvsConj_32fc_A24(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsConj_64fc_A53(const Orv64fc* src, Orv64fc* dst, int32_t len);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* ORVVM_H */

@@ -1,0 +1,118 @@
+// Add, Sub, Mul (real) and Sqr, and the complex Add and Sub.
+//
+// Each result is a single IEEE operation, so every member is exact in the
+// sense of IEEE arithmetic: the correctly rounded sum, difference or
+// product in the caller's rounding mode.  All the work is in the loop
+// around it (plain_loops.h).  LengthFirstFrame with no guard: len, then the
+// pointers; the caller's MXCSR governs the arithmetic.
+#include "arith/plain_loops.h"
+#include "frame/accuracy.h"
+#include "frame/frame.h"
+
+namespace orv {
+namespace {
+
+// One operation for scalars and vectors alike.
+struct AddOp {
+    template <class V>
+    V operator()(V a, V b) const { return a + b; }
+};
+struct SubOp {
+    template <class V>
+    V operator()(V a, V b) const { return a - b; }
+};
+struct MulOp {
+    template <class V>
+    V operator()(V a, V b) const { return a * b; }
+};
+struct SqrOp {
+    template <class V>
+    V operator()(V a) const { return a * a; }
+};
+
+template <class T, class Op>
+inline OrvStatus realBinary(const T* src1, const T* src2, T* dst, int32_t len) {
+    return lengthFirstFrame<kGuardNone>({src1, src2, dst}, len, [&](StatusVar&) {
+        plain::overlapCheckedLoopB(src1, src2, dst, len, Op{});
+    });
+}
+
+// Complex records are pairs of reals, re first, so the complex sum is the
+// real sum of twice as many values.
+template <class C, class Op>
+inline OrvStatus complexBinary(const C* src1, const C* src2, C* dst, int32_t len) {
+    return lengthFirstFrame<kGuardNone>({src1, src2, dst}, len, [&](StatusVar&) {
+        using R = decltype(src1->re);
+        plain::complexPassesB(reinterpret_cast<const R*>(src1), reinterpret_cast<const R*>(src2),
+                              reinterpret_cast<R*>(dst), len, Op{});
+    });
+}
+
+template <class T>
+inline OrvStatus square(const T* src, T* dst, int32_t len) {
+    return lengthFirstFrame<kGuardNone>({src, dst}, len, [&](StatusVar&) {
+        plain::overlapCheckedLoopU(src, dst, len, SqrOp{});
+    });
+}
+
+}  // namespace
+}  // namespace orv
+
+using namespace orv;
+
+ORV_EXPORT OrvStatus orvsAdd_32f_A24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len) {
+    return realBinary<Orv32f, AddOp>(src1, src2, dst, len);
+}
+ORV_EXPORT OrvStatus orvsAdd_64f_A53(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len) {
+    return realBinary<Orv64f, AddOp>(src1, src2, dst, len);
+}
+ORV_EXPORT OrvStatus orvsSub_32f_A24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len) {
+    return realBinary<Orv32f, SubOp>(src1, src2, dst, len);
+}
+ORV_EXPORT OrvStatus orvsSub_64f_A53(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len) {
+    return realBinary<Orv64f, SubOp>(src1, src2, dst, len);
+}
+ORV_EXPORT OrvStatus orvsMul_32f_A24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len) {
+    return realBinary<Orv32f, MulOp>(src1, src2, dst, len);
+}
+ORV_EXPORT OrvStatus orvsMul_64f_A53(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len) {
+    return realBinary<Orv64f, MulOp>(src1, src2, dst, len);
+}
+ORV_EXPORT OrvStatus orvsSqr_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len) {
+    return square(src, dst, len);
+}
+ORV_EXPORT OrvStatus orvsSqr_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len) {
+    return square(src, dst, len);
+}
+ORV_EXPORT OrvStatus orvsAdd_32fc_A24(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst,
+                                      int32_t len) {
+    return complexBinary<Orv32fc, AddOp>(src1, src2, dst, len);
+}
+ORV_EXPORT OrvStatus orvsAdd_64fc_A53(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst,
+                                      int32_t len) {
+    return complexBinary<Orv64fc, AddOp>(src1, src2, dst, len);
+}
+ORV_EXPORT OrvStatus orvsSub_32fc_A24(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst,
+                                      int32_t len) {
+    return complexBinary<Orv32fc, SubOp>(src1, src2, dst, len);
+}
+ORV_EXPORT OrvStatus orvsSub_64fc_A53(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst,
+                                      int32_t len) {
+    return complexBinary<Orv64fc, SubOp>(src1, src2, dst, len);
+}
+
+// Exact: each result is one correctly rounded operation.  The ranges span
+// the whole finite range of each type; the second range brings operands of
+// close magnitude, where sums cancel.
+ORV_ACCURACY(orvsAdd_32f_A24, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(1, 2, -2, -1));
+ORV_ACCURACY(orvsAdd_64f_A53, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(1, 2, -2, -1));
+ORV_ACCURACY(orvsSub_32f_A24, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(1, 2, 1, 2));
+ORV_ACCURACY(orvsSub_64f_A53, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(1, 2, 1, 2));
+ORV_ACCURACY(orvsMul_32f_A24, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38));
+ORV_ACCURACY(orvsMul_64f_A53, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308));
+ORV_ACCURACY(orvsSqr_32f_A24, 0, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38));
+ORV_ACCURACY(orvsSqr_64f_A53, 0, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308));
+ORV_ACCURACY(orvsAdd_32fc_A24, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38));
+ORV_ACCURACY(orvsAdd_64fc_A53, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308));
+ORV_ACCURACY(orvsSub_32fc_A24, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38));
+ORV_ACCURACY(orvsSub_64fc_A53, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308));

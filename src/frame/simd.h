@@ -1,0 +1,174 @@
+// The SSE vocabulary every kernel is written in: value types of four floats,
+// two doubles and four 32-bit integers, with overloaded arithmetic, masks,
+// selects and raw-bit views.  The target is SSE3, so nothing here may need
+// SSE4.1 (no blendv, no pmulld, no roundps, no 64-bit integer compares).
+//
+// A mask is a vector whose lanes are all ones (true) or all zeros (false),
+// as the compares make them; signMask() gathers the lanes' sign bits into
+// an int, which is how a block screen turns into one branch.
+#pragma once
+
+#include <emmintrin.h>
+#include <pmmintrin.h>
+#include <xmmintrin.h>
+
+#include <cstdint>
+
+namespace orv {
+
+struct F32x4 {
+    __m128 v;
+};
+struct F64x2 {
+    __m128d v;
+};
+// Integer lanes: 32-bit or 64-bit operations are chosen by name, since the
+// same register holds both views.
+struct I32x4 {
+    __m128i v;
+};
+
+// ---- F32x4 ---------------------------------------------------------------
+inline F32x4 load(const float* p) { return {_mm_loadu_ps(p)}; }
+inline F32x4 loadAligned(const float* p) { return {_mm_load_ps(p)}; }
+inline void store(float* p, F32x4 a) { _mm_storeu_ps(p, a.v); }
+inline void storeAligned(float* p, F32x4 a) { _mm_store_ps(p, a.v); }
+inline F32x4 splat(float x) { return {_mm_set1_ps(x)}; }
+inline F32x4 splatBits32(uint32_t b) { return {_mm_castsi128_ps(_mm_set1_epi32(int(b)))}; }
+inline F32x4 zeroF32x4() { return {_mm_setzero_ps()}; }
+// Lanes in memory order: lane 0 first.
+inline F32x4 setLanes(float a0, float a1, float a2, float a3) {
+    return {_mm_setr_ps(a0, a1, a2, a3)};
+}
+
+inline F32x4 operator+(F32x4 a, F32x4 b) { return {_mm_add_ps(a.v, b.v)}; }
+inline F32x4 operator-(F32x4 a, F32x4 b) { return {_mm_sub_ps(a.v, b.v)}; }
+inline F32x4 operator*(F32x4 a, F32x4 b) { return {_mm_mul_ps(a.v, b.v)}; }
+inline F32x4 operator/(F32x4 a, F32x4 b) { return {_mm_div_ps(a.v, b.v)}; }
+inline F32x4 operator&(F32x4 a, F32x4 b) { return {_mm_and_ps(a.v, b.v)}; }
+inline F32x4 operator|(F32x4 a, F32x4 b) { return {_mm_or_ps(a.v, b.v)}; }
+inline F32x4 operator^(F32x4 a, F32x4 b) { return {_mm_xor_ps(a.v, b.v)}; }
+// a AND NOT m, written with the mask second as it reads: "a without m".
+inline F32x4 andNot(F32x4 a, F32x4 m) { return {_mm_andnot_ps(m.v, a.v)}; }
+// min and max return the second operand when either is NaN.
+inline F32x4 min(F32x4 a, F32x4 b) { return {_mm_min_ps(a.v, b.v)}; }
+inline F32x4 max(F32x4 a, F32x4 b) { return {_mm_max_ps(a.v, b.v)}; }
+inline F32x4 sqrt(F32x4 a) { return {_mm_sqrt_ps(a.v)}; }
+// The processor's 12-bit approximations.  Their low bits differ between
+// processor makers; tests that reach them compute the expectation with the
+// same instruction.
+inline F32x4 rcp(F32x4 a) { return {_mm_rcp_ps(a.v)}; }
+inline F32x4 rsqrt(F32x4 a) { return {_mm_rsqrt_ps(a.v)}; }
+
+inline F32x4 cmpLt(F32x4 a, F32x4 b) { return {_mm_cmplt_ps(a.v, b.v)}; }
+inline F32x4 cmpLe(F32x4 a, F32x4 b) { return {_mm_cmple_ps(a.v, b.v)}; }
+inline F32x4 cmpEq(F32x4 a, F32x4 b) { return {_mm_cmpeq_ps(a.v, b.v)}; }
+inline F32x4 cmpNeq(F32x4 a, F32x4 b) { return {_mm_cmpneq_ps(a.v, b.v)}; }
+inline F32x4 cmpUnord(F32x4 a, F32x4 b) { return {_mm_cmpunord_ps(a.v, b.v)}; }
+inline int signMask(F32x4 a) { return _mm_movemask_ps(a.v); }
+// m ? a : b, lane by lane, for a mask m.
+inline F32x4 select(F32x4 m, F32x4 a, F32x4 b) { return (a & m) | andNot(b, m); }
+
+inline float lane0(F32x4 a) { return _mm_cvtss_f32(a.v); }
+
+// ---- F64x2 ---------------------------------------------------------------
+inline F64x2 load(const double* p) { return {_mm_loadu_pd(p)}; }
+inline F64x2 loadAligned(const double* p) { return {_mm_load_pd(p)}; }
+inline void store(double* p, F64x2 a) { _mm_storeu_pd(p, a.v); }
+inline void storeAligned(double* p, F64x2 a) { _mm_store_pd(p, a.v); }
+inline void storeLow(double* p, F64x2 a) { _mm_storel_pd(p, a.v); }
+inline void storeHigh(double* p, F64x2 a) { _mm_storeh_pd(p, a.v); }
+inline F64x2 splat(double x) { return {_mm_set1_pd(x)}; }
+inline F64x2 splatBits64(uint64_t b) {
+    return {_mm_castsi128_pd(_mm_set1_epi64x(int64_t(b)))};
+}
+inline F64x2 zeroF64x2() { return {_mm_setzero_pd()}; }
+inline F64x2 setLanes(double a0, double a1) { return {_mm_setr_pd(a0, a1)}; }
+
+inline F64x2 operator+(F64x2 a, F64x2 b) { return {_mm_add_pd(a.v, b.v)}; }
+inline F64x2 operator-(F64x2 a, F64x2 b) { return {_mm_sub_pd(a.v, b.v)}; }
+inline F64x2 operator*(F64x2 a, F64x2 b) { return {_mm_mul_pd(a.v, b.v)}; }
+inline F64x2 operator/(F64x2 a, F64x2 b) { return {_mm_div_pd(a.v, b.v)}; }
+inline F64x2 operator&(F64x2 a, F64x2 b) { return {_mm_and_pd(a.v, b.v)}; }
+inline F64x2 operator|(F64x2 a, F64x2 b) { return {_mm_or_pd(a.v, b.v)}; }
+inline F64x2 operator^(F64x2 a, F64x2 b) { return {_mm_xor_pd(a.v, b.v)}; }
+inline F64x2 andNot(F64x2 a, F64x2 m) { return {_mm_andnot_pd(m.v, a.v)}; }
+inline F64x2 min(F64x2 a, F64x2 b) { return {_mm_min_pd(a.v, b.v)}; }
+inline F64x2 max(F64x2 a, F64x2 b) { return {_mm_max_pd(a.v, b.v)}; }
+inline F64x2 sqrt(F64x2 a) { return {_mm_sqrt_pd(a.v)}; }
+
+inline F64x2 cmpLt(F64x2 a, F64x2 b) { return {_mm_cmplt_pd(a.v, b.v)}; }
+inline F64x2 cmpLe(F64x2 a, F64x2 b) { return {_mm_cmple_pd(a.v, b.v)}; }
+inline F64x2 cmpEq(F64x2 a, F64x2 b) { return {_mm_cmpeq_pd(a.v, b.v)}; }
+inline F64x2 cmpNeq(F64x2 a, F64x2 b) { return {_mm_cmpneq_pd(a.v, b.v)}; }
+inline F64x2 cmpUnord(F64x2 a, F64x2 b) { return {_mm_cmpunord_pd(a.v, b.v)}; }
+inline int signMask(F64x2 a) { return _mm_movemask_pd(a.v); }
+inline F64x2 select(F64x2 m, F64x2 a, F64x2 b) { return (a & m) | andNot(b, m); }
+
+inline double lane0(F64x2 a) { return _mm_cvtsd_f64(a.v); }
+inline double lane1(F64x2 a) { return _mm_cvtsd_f64(_mm_unpackhi_pd(a.v, a.v)); }
+// (a0, b0) and (a1, b1): the two ways of pairing the lanes of two vectors.
+inline F64x2 unpackLo(F64x2 a, F64x2 b) { return {_mm_unpacklo_pd(a.v, b.v)}; }
+inline F64x2 unpackHi(F64x2 a, F64x2 b) { return {_mm_unpackhi_pd(a.v, b.v)}; }
+
+// Conversions between the lane widths: the two low floats widened exactly,
+// or two doubles rounded to the two low floats (the high two become zero).
+inline F64x2 widenLow(F32x4 a) { return {_mm_cvtps_pd(a.v)}; }
+inline F32x4 narrow(F64x2 a) { return {_mm_cvtpd_ps(a.v)}; }
+
+// ---- I32x4 ---------------------------------------------------------------
+inline I32x4 loadI(const void* p) { return {_mm_loadu_si128(static_cast<const __m128i*>(p))}; }
+inline void storeI(void* p, I32x4 a) { _mm_storeu_si128(static_cast<__m128i*>(p), a.v); }
+inline I32x4 splat32(uint32_t x) { return {_mm_set1_epi32(int(x))}; }
+inline I32x4 splat64(uint64_t x) { return {_mm_set1_epi64x(int64_t(x))}; }
+
+inline I32x4 operator&(I32x4 a, I32x4 b) { return {_mm_and_si128(a.v, b.v)}; }
+inline I32x4 operator|(I32x4 a, I32x4 b) { return {_mm_or_si128(a.v, b.v)}; }
+inline I32x4 operator^(I32x4 a, I32x4 b) { return {_mm_xor_si128(a.v, b.v)}; }
+inline I32x4 andNot(I32x4 a, I32x4 m) { return {_mm_andnot_si128(m.v, a.v)}; }
+inline I32x4 add32(I32x4 a, I32x4 b) { return {_mm_add_epi32(a.v, b.v)}; }
+inline I32x4 sub32(I32x4 a, I32x4 b) { return {_mm_sub_epi32(a.v, b.v)}; }
+inline I32x4 add64(I32x4 a, I32x4 b) { return {_mm_add_epi64(a.v, b.v)}; }
+inline I32x4 sub64(I32x4 a, I32x4 b) { return {_mm_sub_epi64(a.v, b.v)}; }
+template <int n>
+inline I32x4 shl32(I32x4 a) { return {_mm_slli_epi32(a.v, n)}; }
+template <int n>
+inline I32x4 shr32(I32x4 a) { return {_mm_srli_epi32(a.v, n)}; }  // logical
+template <int n>
+inline I32x4 sar32(I32x4 a) { return {_mm_srai_epi32(a.v, n)}; }  // arithmetic
+template <int n>
+inline I32x4 shl64(I32x4 a) { return {_mm_slli_epi64(a.v, n)}; }
+template <int n>
+inline I32x4 shr64(I32x4 a) { return {_mm_srli_epi64(a.v, n)}; }
+// Signed 32-bit compares: all ones where true.
+inline I32x4 cmpGt32(I32x4 a, I32x4 b) { return {_mm_cmpgt_epi32(a.v, b.v)}; }
+inline I32x4 cmpLt32(I32x4 a, I32x4 b) { return {_mm_cmplt_epi32(a.v, b.v)}; }
+inline I32x4 cmpEq32(I32x4 a, I32x4 b) { return {_mm_cmpeq_epi32(a.v, b.v)}; }
+// Sign bits of the four 32-bit lanes, or of the two 64-bit lanes.
+inline int signMask32(I32x4 a) { return _mm_movemask_ps(_mm_castsi128_ps(a.v)); }
+inline int signMask64(I32x4 a) { return _mm_movemask_pd(_mm_castsi128_pd(a.v)); }
+inline I32x4 select(I32x4 m, I32x4 a, I32x4 b) { return (a & m) | andNot(b, m); }
+
+inline uint32_t lane0(I32x4 a) { return uint32_t(_mm_cvtsi128_si32(a.v)); }
+inline uint64_t lane0of64(I32x4 a) { return uint64_t(_mm_cvtsi128_si64(a.v)); }
+
+// ---- Raw-bit views -------------------------------------------------------
+inline I32x4 bitsOf(F32x4 a) { return {_mm_castps_si128(a.v)}; }
+inline I32x4 bitsOf(F64x2 a) { return {_mm_castpd_si128(a.v)}; }
+inline F32x4 asF32x4(I32x4 a) { return {_mm_castsi128_ps(a.v)}; }
+inline F64x2 asF64x2(I32x4 a) { return {_mm_castsi128_pd(a.v)}; }
+inline F64x2 asF64x2(F32x4 a) { return {_mm_castps_pd(a.v)}; }
+inline F32x4 asF32x4(F64x2 a) { return {_mm_castpd_ps(a.v)}; }
+
+// The high 32-bit words of two doubles, gathered into lanes 0 and 1 (lanes
+// 2 and 3 repeat them): the form the 64-bit screens test.
+inline I32x4 highWords(F64x2 a) {
+    return {_mm_shuffle_epi32(_mm_castpd_si128(a.v), _MM_SHUFFLE(3, 1, 3, 1))};
+}
+// High words of four doubles, in element order, in one vector.
+inline I32x4 highWords(F64x2 a, F64x2 b) {
+    return {_mm_castps_si128(
+        _mm_shuffle_ps(_mm_castpd_ps(a.v), _mm_castpd_ps(b.v), _MM_SHUFFLE(3, 1, 3, 1)))};
+}
+
+}  // namespace orv
