@@ -1,6 +1,7 @@
 # Gathers the ORV_ACCURACY statements of the library sources into one file
 # that the tests, the benchmarks and the report include with their own
 # meaning of the macro.  A statement may span lines; it ends at its ';'.
+string(REPLACE "|" ";" SOURCES "${SOURCES}")
 set(records "// Generated from the ORV_ACCURACY lines of src/; do not edit.\n")
 foreach(source IN LISTS SOURCES)
   file(READ "${source}" text)

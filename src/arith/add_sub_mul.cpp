@@ -101,18 +101,19 @@ ORV_EXPORT OrvStatus orvsSub_64fc_A53(const Orv64fc* src1, const Orv64fc* src2, 
     return complexBinary<Orv64fc, SubOp>(src1, src2, dst, len);
 }
 
-// Exact: each result is one correctly rounded operation.  The ranges span
-// the whole finite range of each type; the second range brings operands of
-// close magnitude, where sums cancel.
-ORV_ACCURACY(orvsAdd_32f_A24, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(1, 2, -2, -1));
-ORV_ACCURACY(orvsAdd_64f_A53, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(1, 2, -2, -1));
-ORV_ACCURACY(orvsSub_32f_A24, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(1, 2, 1, 2));
-ORV_ACCURACY(orvsSub_64f_A53, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(1, 2, 1, 2));
-ORV_ACCURACY(orvsMul_32f_A24, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38));
-ORV_ACCURACY(orvsMul_64f_A53, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308));
-ORV_ACCURACY(orvsSqr_32f_A24, 0, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38));
-ORV_ACCURACY(orvsSqr_64f_A53, 0, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308));
-ORV_ACCURACY(orvsAdd_32fc_A24, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38));
-ORV_ACCURACY(orvsAdd_64fc_A53, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308));
-ORV_ACCURACY(orvsSub_32fc_A24, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38));
-ORV_ACCURACY(orvsSub_64fc_A53, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308));
+// Correctly rounded: each result is one IEEE operation, so the error is at
+// most half an ulp and the result equals the correctly rounded value.  The
+// ranges span the whole finite range of each type; a further range brings
+// operands of close magnitude, where sums cancel.
+ORV_ACCURACY(orvsAdd_32f_A24, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(1, 2, -2, -1));
+ORV_ACCURACY(orvsAdd_64f_A53, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(1, 2, -2, -1));
+ORV_ACCURACY(orvsSub_32f_A24, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(1, 2, 1, 2));
+ORV_ACCURACY(orvsSub_64f_A53, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(1, 2, 1, 2));
+ORV_ACCURACY(orvsMul_32f_A24, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38));
+ORV_ACCURACY(orvsMul_64f_A53, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308));
+ORV_ACCURACY(orvsSqr_32f_A24, 0.5, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38));
+ORV_ACCURACY(orvsSqr_64f_A53, 0.5, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308));
+ORV_ACCURACY(orvsAdd_32fc_A24, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38));
+ORV_ACCURACY(orvsAdd_64fc_A53, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308));
+ORV_ACCURACY(orvsSub_32fc_A24, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38));
+ORV_ACCURACY(orvsSub_64fc_A53, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308));

@@ -4,7 +4,8 @@
 //   ORV_ACCURACY(orvsExp_32f_A21, 1.9, ORV_RANGE(-87.3, 88.7), ORV_RANGE(-104, -87.3));
 //
 // The number is the maximum error in ulps that the accuracy tests measured
-// against a correctly rounded reference (0 for exact operations); the tests
+// against a correctly rounded reference (0.5 for an operation that is one
+// IEEE rounding, 0 for an exact one); the tests
 // assert it, on top of the bound of the member's tier.  The first range is
 // the member's ordinary range, which the benchmarks and the report sample
 // too; the further ranges reach the rest of the domain.  A range holds a

@@ -132,7 +132,18 @@ int ExportInfo::outputComponents() const {
     return isComplex() ? 2 : 1;
 }
 
-void* ExportInfo::symbol() const { return dlsym(RTLD_DEFAULT, name.c_str()); }
+// The library under test, opened by its build path: an export is
+// implemented when the library has its symbol.
+void* libraryHandle() {
+    static void* handle = [] {
+        void* h = dlopen(ORVVM_LIBRARY_PATH, RTLD_NOW | RTLD_GLOBAL);
+        if (!h) throw std::runtime_error(std::string("cannot open the library: ") + dlerror());
+        return h;
+    }();
+    return handle;
+}
+
+void* ExportInfo::symbol() const { return dlsym(libraryHandle(), name.c_str()); }
 
 const std::vector<ExportInfo>& allExports() {
     static const std::vector<ExportInfo> all = load();

@@ -47,6 +47,9 @@ struct ExportInfo {
     void* symbol() const;
 };
 
+// The library under test (dlopen handle).
+void* libraryHandle();
+
 const std::vector<ExportInfo>& allExports();
 std::vector<const ExportInfo*> implementedExports();
 const ExportInfo* findExport(std::string_view name);

@@ -1,0 +1,104 @@
+// Every member the library has, measured against its MPFR reference over
+// its recorded ranges, the special values of its type and glibc's hard
+// cases, and held both to the bound of its tier and to the maximum recorded
+// next to its code.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "exports.h"
+#include "measure.h"
+#include "records.h"
+#include "reference.h"
+
+namespace orvtest {
+namespace {
+
+std::vector<std::string> implementedNames() {
+    std::vector<std::string> names;
+    for (const ExportInfo* e : implementedExports()) names.push_back(e->name);
+    return names;
+}
+
+class Accuracy : public ::testing::TestWithParam<std::string> {
+protected:
+    const ExportInfo& member() const { return *findExport(GetParam()); }
+};
+
+TEST_P(Accuracy, HasRecordAndReference) {
+    EXPECT_NE(findRecord(member().name), nullptr) << "no ORV_ACCURACY record next to the code";
+    EXPECT_TRUE(referenceFor(member())) << "no MPFR reference for family " << member().family;
+}
+
+TEST_P(Accuracy, WithinTierAndRecordedBound) {
+    const ExportInfo& e = member();
+    const AccuracyRecord* record = findRecord(e.name);
+    if (!record || !referenceFor(e)) GTEST_FAIL() << "no record or reference";
+
+    std::vector<Sample> samples = specialSamples(e);
+    uint64_t seed = std::hash<std::string>{}(e.name);
+    for (const Range& r : record->ranges) {
+        auto part = sampleRange(e, r, samplesPerRange(1 << 13), seed++);
+        samples.insert(samples.end(), part.begin(), part.end());
+    }
+    for (const PeerCase& c : peerVectors(e).cases) samples.push_back(c.sample);
+
+    ErrorStats st = measureErrors(e, samples, runMember(e, samples));
+    ASSERT_EQ(st.count, long(samples.size()));
+    const TierBound bound = tierBound(e);
+    EXPECT_EQ(st.classMismatches, 0) << st.worst;
+    switch (bound.kind) {
+        case TierBound::Exact:
+            EXPECT_EQ(st.inexact, 0) << "an exact operation was not exact: " << st.worst;
+            break;
+        case TierBound::UlpBelow:
+            EXPECT_LT(st.maxUlp, bound.value) << st.worst;
+            break;
+        case TierBound::BitsAtLeast:
+            EXPECT_GE(st.minBits, bound.value) << st.worst;
+            break;
+    }
+    EXPECT_LE(st.maxUlp, record->maxUlp) << "above the recorded maximum: " << st.worst;
+    RecordProperty("max_ulp", std::to_string(st.maxUlp));
+}
+
+// The references themselves, checked against glibc's correctly rounded
+// vectors: the same inputs must round to the same values.
+TEST_P(Accuracy, ReferenceAgreesWithGlibcVectors) {
+    const ExportInfo& e = member();
+    PeerVectors peers = peerVectors(e);
+    if (peers.file.empty()) return;  // glibc has no vectors for this family
+    if (!peers.available) GTEST_SKIP() << peers.file << " is not present";
+    ASSERT_FALSE(peers.cases.empty()) << peers.file;
+    std::vector<Sample> samples;
+    for (const PeerCase& c : peers.cases) samples.push_back(c.sample);
+    std::vector<double> cr = correctlyRounded(e, samples);
+    const int oc = e.outputComponents();
+    for (size_t i = 0; i < peers.cases.size(); ++i)
+        for (int k = 0; k < oc; ++k) {
+            double want = peers.cases[i].expected[k], got = cr[i * oc + k];
+            bool same = std::isnan(want) ? std::isnan(got)
+                        : peers.cases[i].ignoreZeroInfSign && (want == 0 || std::isinf(want))
+                            ? std::fabs(want) == std::fabs(got)
+                            : want == got && std::signbit(want) == std::signbit(got);
+            EXPECT_TRUE(same) << e.name << " input " << formatValue(samples[i].in[0], e.is64())
+                              << " component " << k << ": glibc " << formatValue(want, e.is64())
+                              << ", reference " << formatValue(got, e.is64());
+        }
+}
+
+INSTANTIATE_TEST_SUITE_P(Members, Accuracy, ::testing::ValuesIn(implementedNames()),
+                         [](const auto& info) { return info.param; });
+
+// A record must name a member the library has.
+TEST(AccuracyRecords, NameImplementedMembers) {
+    for (const AccuracyRecord& r : accuracyRecords()) {
+        const ExportInfo* e = findExport(r.member);
+        ASSERT_NE(e, nullptr) << r.member;
+        EXPECT_NE(e->symbol(), nullptr) << r.member << " has a record but is not in the library";
+        EXPECT_FALSE(r.ranges.empty()) << r.member;
+    }
+}
+
+}  // namespace
+}  // namespace orvtest
