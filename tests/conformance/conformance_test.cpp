@@ -1,0 +1,506 @@
+// The conformance suite: what every export owes its callers, checked for
+// every export the library has, driven by the export table.  A new family
+// joins by existing.
+//
+//   - argument checks in the order of the member's frame, nothing written
+//     on a failed check;
+//   - MXCSR and the x87 control word exactly restored, and results of the
+//     guarded members independent of the caller's state;
+//   - a status that is one of the member's warnings, the last one written;
+//   - in-place calls, arrays at every legal misalignment, and no access
+//     outside the arrays (each array against a PROT_NONE page at its end,
+//     and at its start);
+//   - results that depend on an element's value, not on where it stands.
+#include <gtest/gtest.h>
+#include <setjmp.h>
+#include <signal.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstring>
+#include <random>
+
+#include "exports.h"
+#include "measure.h"
+#include "records.h"
+#include "testing.h"
+
+namespace orvtest {
+namespace {
+
+// ---- Inputs -------------------------------------------------------------
+
+// Ordinary values of the member (from its recorded ordinary range) mixed
+// with the special values of its type: zeros, denormals, limits, infinities
+// and NaN, so that blocks pass and fail their screens.
+std::vector<Sample> mixedInputs(const ExportInfo& e, int count, uint64_t seed) {
+    std::vector<Sample> ordinary;
+    if (const AccuracyRecord* r = findRecord(e.name))
+        ordinary = sampleRange(e, r->ranges[0], count, seed);
+    else
+        ordinary.assign(count, Sample{{1.5, 0.75, 1.25, -0.5}});
+    std::vector<Sample> specials = specialSamples(e);
+    std::mt19937 rng{uint32_t(seed)};
+    std::vector<Sample> out(count);
+    for (int i = 0; i < count; ++i) {
+        out[i] = ordinary[i];
+        if (rng() % 4 == 0) {
+            const Sample& s = specials[rng() % specials.size()];
+            // Keep the K constant of the call: only the source varies.
+            int n = e.shape == Shape::K ? e.inputComponents() / 2 : e.inputComponents();
+            for (int c = 0; c < n; ++c) out[i].in[c] = s.in[c];
+        }
+    }
+    if (e.shape == Shape::K)
+        for (Sample& s : out)
+            for (int c = e.inputComponents() / 2; c < e.inputComponents(); ++c) s.in[c] = out[0].in[c];
+    return out;
+}
+
+void putReal(unsigned char* p, double v, bool is64) {
+    if (is64)
+        std::memcpy(p, &v, 8);
+    else {
+        float f = float(v);
+        std::memcpy(p, &f, 4);
+    }
+}
+
+using Bytes = std::vector<unsigned char>;
+
+// The bytes of source array k (0 or 1) for the samples, and the constant.
+Bytes sourceBytes(const ExportInfo& e, const std::vector<Sample>& s, int k) {
+    const int cv = e.isComplex() && e.shape != Shape::P ? 2 : 1;
+    Bytes b(s.size() * e.srcElemSize());
+    for (size_t i = 0; i < s.size(); ++i)
+        for (int c = 0; c < cv; ++c) putReal(&b[(i * cv + c) * e.realSize()], s[i].in[k * cv + c], e.is64());
+    return b;
+}
+void setConstant(const ExportInfo& e, const std::vector<Sample>& s, CallArgs& a) {
+    if (e.shape != Shape::K) return;
+    const int cv = e.isComplex() ? 2 : 1;
+    for (int c = 0; c < cv; ++c) putReal(a.constant + c * e.realSize(), s[0].in[cv + c], e.is64());
+}
+
+// What a call produced: its status and the bytes of its destinations.
+struct Outcome {
+    OrvStatus status;
+    Bytes dst1, dst2;
+    bool operator==(const Outcome&) const = default;
+};
+
+// Runs the member on the samples with every array copied to the places
+// given (each must hold its array), and collects the outcome.
+Outcome runAt(const ExportInfo& e, const std::vector<Sample>& s, unsigned char* src[2], unsigned char* dst[2]) {
+    const int n = int(s.size());
+    CallArgs a;
+    // Destinations first: in an in-place call they are the sources.
+    const size_t dbytes = n * e.dstElemSize();
+    for (int k = 0; k < e.destinationCount(); ++k) std::memset(dst[k], 0xA5, dbytes);
+    for (int k = 0; k < e.sourceCount(); ++k) {
+        Bytes b = sourceBytes(e, s, k);
+        std::memcpy(src[k], b.data(), b.size());
+    }
+    a.src1 = src[0];
+    a.src2 = src[1];
+    a.dst1 = dst[0];
+    a.dst2 = dst[1];
+    a.len = n;
+    setConstant(e, s, a);
+    Outcome o;
+    o.status = invoke(e, a);
+    o.dst1.assign(dst[0], dst[0] + dbytes);
+    if (e.destinationCount() == 2) o.dst2.assign(dst[1], dst[1] + dbytes);
+    return o;
+}
+
+// Plain heap arrays, 16-byte aligned, plus a misalignment.
+struct Arrays {
+    std::vector<unsigned char> store[4];
+    unsigned char* src[2];
+    unsigned char* dst[2];
+    Arrays(const ExportInfo& e, size_t n, const size_t offset[4] = nullptr) {
+        for (int k = 0; k < 4; ++k) {
+            store[k].assign(n * 16 + 64, 0);
+            auto base = reinterpret_cast<uintptr_t>(store[k].data());
+            unsigned char* p = store[k].data() + ((16 - base % 16) % 16) + (offset ? offset[k] : 0);
+            (k < 2 ? src[k] : dst[k - 2]) = p;
+        }
+        (void)e;
+    }
+};
+
+Outcome runPlain(const ExportInfo& e, const std::vector<Sample>& s) {
+    Arrays a(e, s.size());
+    return runAt(e, s, a.src, a.dst);
+}
+
+class Conformance : public ::testing::TestWithParam<std::string> {
+protected:
+    const ExportInfo& member() const { return *findExport(GetParam()); }
+};
+// The suites below hold only the members a property applies to.
+class GuardedConformance : public Conformance {};
+class OrderedWarnings : public Conformance {};
+class InPlace : public Conformance {};
+class PositionIndependence : public Conformance {};
+
+// ---- Argument checks ----------------------------------------------------
+
+TEST_P(Conformance, ArgumentChecksInFrameOrder) {
+    const ExportInfo& e = member();
+    auto s = mixedInputs(e, 8, 1);
+    Arrays arr(e, 8);
+    Bytes b = sourceBytes(e, s, 0);
+    std::memcpy(arr.src[0], b.data(), b.size());
+    if (e.sourceCount() == 2) std::memcpy(arr.src[1], sourceBytes(e, s, 1).data(), b.size());
+    const size_t dbytes = 8 * e.dstElemSize();
+
+    // The pointer slots of this shape, in argument order.
+    std::vector<int> slots = {0};
+    if (e.sourceCount() == 2) slots.push_back(1);
+    slots.push_back(2);
+    if (e.destinationCount() == 2) slots.push_back(3);
+
+    auto call = [&](int nullSlot, int32_t len) {
+        CallArgs a;
+        a.src1 = nullSlot == 0 ? nullptr : arr.src[0];
+        a.src2 = nullSlot == 1 ? nullptr : arr.src[1];
+        a.dst1 = nullSlot == 2 ? nullptr : arr.dst[0];
+        a.dst2 = nullSlot == 3 ? nullptr : arr.dst[1];
+        a.len = len;
+        setConstant(e, s, a);
+        for (int k = 0; k < 2; ++k) std::memset(arr.dst[k], 0x5A, dbytes);
+        OrvStatus st = invoke(e, a);
+        for (int k = 0; k < e.destinationCount(); ++k)
+            for (size_t i = 0; i < dbytes; ++i)
+                if (arr.dst[k][i] != 0x5A) {
+                    ADD_FAILURE() << "a failed check wrote to the destination";
+                    break;
+                }
+        return st;
+    };
+    for (int slot : slots) EXPECT_EQ(call(slot, 8), orvStatusNullPointer) << "null pointer in slot " << slot;
+    EXPECT_EQ(call(-1, 0), orvStatusBadLength);
+    EXPECT_EQ(call(-1, -1), orvStatusBadLength);
+    EXPECT_EQ(call(-1, INT32_MIN), orvStatusBadLength);
+    const OrvStatus both = e.frame == Frame::PointersFirst ? orvStatusNullPointer : orvStatusBadLength;
+    for (int slot : slots) EXPECT_EQ(call(slot, 0), both) << "null pointer in slot " << slot << " and len 0";
+}
+
+// ---- Floating-point control state ----------------------------------------
+
+struct CallerState {
+    uint32_t mxcsr;
+    uint16_t x87;
+};
+const CallerState kCallerStates[] = {
+    {kMxcsrDefault | kMxcsrRoundUp, kX87Default},
+    {kMxcsrDefault | kMxcsrFtz | kMxcsrDaz, kX87Default},
+    {kMxcsrDefault | kMxcsrRoundToZero | kMxcsrFtz | kMxcsrDaz, kX87Single},
+    {kMxcsrDefault | kMxcsrRoundDown, kX87Double},
+    {kMxcsrDefault, kX87Single | 0x0800},  // 24-bit precision, rounding up
+};
+
+// Whether a guard of this mode rewrites MXCSR on entry from this state.
+bool mxcsrGuardWrites(MxcsrGuard g, uint32_t mxcsr) {
+    switch (g) {
+        case MxcsrGuard::None:
+            return false;
+        case MxcsrGuard::NearestKeepDaz:
+            return (mxcsr & 0xE000) != 0;
+        case MxcsrGuard::Nearest:
+            return (mxcsr & 0xE040) != 0;
+        case MxcsrGuard::Down:
+            return (mxcsr & 0xE040) != kMxcsrRoundDown;
+        case MxcsrGuard::Up:
+            return (mxcsr & 0xE040) != kMxcsrRoundUp;
+        case MxcsrGuard::TowardZero:
+            return (mxcsr & 0xE040) != kMxcsrRoundToZero;
+    }
+    return false;
+}
+
+TEST_P(Conformance, RestoresMxcsrAndX87ControlWord) {
+    const ExportInfo& e = member();
+    auto s = mixedInputs(e, 37, 2);
+    Arrays arr(e, s.size());
+    for (const CallerState& state : kCallerStates) {
+        uint32_t mxcsrAfter;
+        uint16_t x87After;
+        {
+            FpEnvScope scope(state.mxcsr, state.x87);
+            runAt(e, s, arr.src, arr.dst);
+            mxcsrAfter = readMxcsr();
+            x87After = readX87();
+        }
+        EXPECT_EQ(x87After, state.x87);
+        EXPECT_EQ(mxcsrAfter & ~kMxcsrFlags, state.mxcsr) << std::hex << "MXCSR was 0x" << state.mxcsr;
+        // Where the guard rewrote MXCSR, leaving restores the value of entry,
+        // sticky flags included.
+        if (mxcsrGuardWrites(e.mxcsrGuard, state.mxcsr)) {
+            EXPECT_EQ(mxcsrAfter & kMxcsrFlags, 0u) << "flags raised inside the guard leaked out";
+        }
+    }
+}
+
+// A guarded member computes the same bits whatever the caller's rounding,
+// flush-to-zero, denormals-are-zero (unless the member keeps it) and x87
+// precision and rounding.
+TEST_P(GuardedConformance, ResultsIgnoreCallerState) {
+    const ExportInfo& e = member();
+    auto s = mixedInputs(e, 101, 3);
+    const Outcome want = runPlain(e, s);
+    for (const CallerState& state : kCallerStates) {
+        uint32_t mxcsr = kMxcsrDefault;
+        if (e.mxcsrGuard != MxcsrGuard::None) {
+            mxcsr = state.mxcsr;
+            if (e.mxcsrGuard == MxcsrGuard::NearestKeepDaz) mxcsr &= ~kMxcsrDaz;
+        }
+        uint16_t x87 = e.x87Guard != X87Guard::None ? state.x87 : kX87Default;
+        FpEnvScope scope(mxcsr, x87);
+        EXPECT_TRUE(runPlain(e, s) == want) << std::hex << "MXCSR 0x" << mxcsr << ", x87 0x" << x87;
+    }
+}
+
+// ---- Status ---------------------------------------------------------------
+
+bool allowed(const ExportInfo& e, OrvStatus st) {
+    if (st == orvStatusOk) return true;
+    for (OrvStatus w : e.warnings)
+        if (w == st) return true;
+    return false;
+}
+
+TEST_P(Conformance, StatusIsOneOfTheMembersWarnings) {
+    const ExportInfo& e = member();
+    for (const Sample& one : specialSamples(e)) {
+        std::vector<Sample> s(1, one);
+        OrvStatus st = runPlain(e, s).status;
+        EXPECT_TRUE(allowed(e, st)) << "status " << st << " for input " << formatValue(one.in[0], e.is64());
+    }
+}
+
+// Group-pass members write the warnings of a rejected block by kind, not by
+// element; the family tests cover their order.
+bool writesWarningsByKind(const ExportInfo& e) {
+    return e.name == "orvsInvSqrt_32f_A24" || (e.family == "Atanh" && !e.isComplex() && e.name != "orvsAtanh_64f_A53");
+}
+
+TEST_P(OrderedWarnings, LastWarningWrittenWins) {
+    const ExportInfo& e = member();
+    // One input for each warning the member can give, and a quiet one.
+    std::vector<std::pair<OrvStatus, Sample>> warn;
+    Sample quiet;
+    bool haveQuiet = false;
+    for (const Sample& one : specialSamples(e)) {
+        OrvStatus st = runPlain(e, std::vector<Sample>(1, one)).status;
+        if (st == orvStatusOk && !haveQuiet) quiet = one, haveQuiet = true;
+        bool seen = st == orvStatusOk;
+        for (auto& w : warn) seen |= w.first == st;
+        if (!seen) warn.push_back({st, one});
+    }
+    ASSERT_TRUE(haveQuiet) << "no special value gives orvStatusOk";
+    ASSERT_GE(warn.size(), 2u) << "the special values give fewer than two of the member's warnings";
+    for (int len : {2, 7, 40, 130})
+        for (int p = 0; p < len; p += 3)
+            for (int q = p + 1; q < len; q += 5)
+                for (size_t a = 0; a < warn.size(); ++a)
+                    for (size_t b = 0; b < warn.size(); ++b) {
+                        if (a == b) continue;
+                        std::vector<Sample> s(len, quiet);
+                        s[p] = warn[a].second;
+                        s[q] = warn[b].second;
+                        ASSERT_EQ(runPlain(e, s).status, warn[b].first)
+                            << "len " << len << ": " << warn[a].first << " at " << p << ", " << warn[b].first
+                            << " at " << q;
+                    }
+}
+
+// ---- Memory ---------------------------------------------------------------
+
+TEST_P(InPlace, EqualsSeparateArrays) {
+    const ExportInfo& e = member();
+    for (int len : {1, 5, 8, 16, 37, 130}) {
+        auto s = mixedInputs(e, len, 4 + len);
+        const Outcome want = runPlain(e, s);
+        for (int k = 0; k < e.sourceCount(); ++k)
+            for (int d = 0; d < e.destinationCount(); ++d) {
+                Arrays arr(e, len);
+                arr.dst[d] = arr.src[k];
+                Bytes other = sourceBytes(e, s, 1 - k);
+                Outcome got = runAt(e, s, arr.src, arr.dst);
+                EXPECT_EQ(got.status, want.status);
+                EXPECT_TRUE((d == 0 ? got.dst1 : got.dst2) == (d == 0 ? want.dst1 : want.dst2))
+                    << "len " << len << ", destination " << d << " on source " << k;
+                if (e.sourceCount() == 2) {  // the source dst does not alias is left alone
+                    EXPECT_EQ(std::memcmp(arr.src[1 - k], other.data(), other.size()), 0);
+                }
+            }
+    }
+}
+
+TEST_P(Conformance, EveryLegalMisalignment) {
+    const ExportInfo& e = member();
+    const size_t step = e.realSize();
+    const int arrays = e.sourceCount() + e.destinationCount();
+    int combos = 1;
+    for (int k = 0; k < arrays; ++k) combos *= int(16 / step);
+    for (int len : {37, 100}) {
+        auto s = mixedInputs(e, len, 5 + len);
+        const Outcome want = runPlain(e, s);
+        for (int c = 0; c < combos; ++c) {
+            size_t offset[4] = {0, 0, 0, 0};
+            int rest = c;
+            for (int k = 0; k < arrays; ++k) {
+                int slot = k < e.sourceCount() ? k : 2 + (k - e.sourceCount());
+                offset[slot] = (rest % (16 / step)) * step;
+                rest /= int(16 / step);
+            }
+            Arrays arr(e, len, offset);
+            ASSERT_TRUE(runAt(e, s, arr.src, arr.dst) == want)
+                << "offsets " << offset[0] << " " << offset[1] << " " << offset[2] << " " << offset[3];
+        }
+    }
+}
+
+// Each array in a region of its own between two PROT_NONE pages.
+class GuardedRegion {
+public:
+    static constexpr size_t kDataPages = 8;
+    GuardedRegion() {
+        page_ = size_t(sysconf(_SC_PAGESIZE));
+        base_ = static_cast<unsigned char*>(
+            mmap(nullptr, (kDataPages + 2) * page_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+        mprotect(base_, page_, PROT_NONE);
+        mprotect(base_ + (kDataPages + 1) * page_, page_, PROT_NONE);
+    }
+    ~GuardedRegion() { munmap(base_, (kDataPages + 2) * page_); }
+    unsigned char* atStart() const { return base_ + page_; }
+    unsigned char* endingAtGuard(size_t bytes) const { return base_ + (kDataPages + 1) * page_ - bytes; }
+    size_t capacity() const { return kDataPages * page_; }
+
+private:
+    size_t page_;
+    unsigned char* base_;
+};
+
+sigjmp_buf gFaultJump;
+void onFault(int) { siglongjmp(gFaultJump, 1); }
+
+// runAt, turning a segmentation fault into a false return.
+bool runCatchingFaults(const ExportInfo& e, const std::vector<Sample>& s, unsigned char* src[2],
+                       unsigned char* dst[2], Outcome& out) {
+    if (sigsetjmp(gFaultJump, 1)) return false;
+    out = runAt(e, s, src, dst);
+    return true;
+}
+
+TEST_P(Conformance, NoAccessOutsideTheArrays) {
+    const ExportInfo& e = member();
+    GuardedRegion regions[4];
+    struct sigaction fault = {}, saved[2];
+    fault.sa_handler = onFault;
+    sigaction(SIGSEGV, &fault, &saved[0]);
+    sigaction(SIGBUS, &fault, &saved[1]);
+    std::vector<int> lengths;
+    for (int len = 1; len <= 64; ++len) lengths.push_back(len);
+    lengths.push_back(1001);
+    for (int len : lengths) {
+        auto s = mixedInputs(e, len, 6 + len);
+        const Outcome want = runPlain(e, s);
+        ASSERT_LE(size_t(len) * 16, regions[0].capacity());
+        for (bool atEnd : {true, false}) {
+            unsigned char* src[2];
+            unsigned char* dst[2];
+            for (int k = 0; k < 2; ++k) {
+                src[k] = atEnd ? regions[k].endingAtGuard(len * e.srcElemSize()) : regions[k].atStart();
+                dst[k] = atEnd ? regions[2 + k].endingAtGuard(len * e.dstElemSize()) : regions[2 + k].atStart();
+            }
+            Outcome got;
+            if (!runCatchingFaults(e, s, src, dst, got)) {
+                ADD_FAILURE() << "access outside the arrays, len " << len
+                              << (atEnd ? ", arrays ending at a guard page" : ", arrays starting after a guard page");
+                continue;
+            }
+            EXPECT_TRUE(got == want) << "len " << len;
+        }
+    }
+    sigaction(SIGSEGV, &saved[0], nullptr);
+    sigaction(SIGBUS, &saved[1], nullptr);
+}
+
+// ---- Position ---------------------------------------------------------------
+
+// Families whose rejected blocks take a different (double) kernel, so that
+// an element's last bits may depend on its neighbours.
+bool resultDependsOnPosition(const ExportInfo& e) {
+    if (e.isComplex()) return e.family == "CIS";
+    for (const char* f : {"Sin", "Cos", "Tan", "SinCos", "Atan2"})
+        if (e.family == f) return true;
+    return false;
+}
+
+// The result of an element is the same alone (the tail), among ordinary
+// neighbours (a passing block) and beside a NaN (a rejected block), at every
+// position of the array.
+TEST_P(PositionIndependence, ResultDependsOnlyOnTheElement) {
+    const ExportInfo& e = member();
+    const int len = 48;
+    auto neighbours = mixedInputs(e, len, 7);
+    std::vector<Sample> clean;
+    if (const AccuracyRecord* r = findRecord(e.name)) clean = sampleRange(e, r->ranges[0], len, 8);
+    else clean.assign(len, neighbours[0]);
+    auto probes = mixedInputs(e, 12, 9);
+    const size_t out = e.dstElemSize();
+    for (const Sample& probe : probes) {
+        const Outcome alone = runPlain(e, std::vector<Sample>(1, probe));
+        for (const auto* around : {&clean, &neighbours})
+            for (int p = 0; p < len; p += 5) {
+                std::vector<Sample> s = *around;
+                s[p] = probe;
+                if (e.shape == Shape::K)  // one constant per call
+                    for (Sample& x : s)
+                        for (int c = e.inputComponents() / 2; c < e.inputComponents(); ++c) x.in[c] = probe.in[c];
+                const Outcome got = runPlain(e, s);
+                EXPECT_EQ(std::memcmp(&got.dst1[p * out], alone.dst1.data(), out), 0)
+                    << "input " << formatValue(probe.in[0], e.is64()) << " at position " << p;
+                if (e.destinationCount() == 2) {
+                    EXPECT_EQ(std::memcmp(&got.dst2[p * out], alone.dst2.data(), out), 0);
+                }
+            }
+    }
+}
+
+template <class Pred>
+std::vector<std::string> implementedNames(Pred keep) {
+    std::vector<std::string> names;
+    for (const ExportInfo* e : implementedExports())
+        if (keep(*e)) names.push_back(e->name);
+    return names;
+}
+
+const auto kName = [](const auto& info) { return info.param; };
+INSTANTIATE_TEST_SUITE_P(Exports, Conformance,
+                         ::testing::ValuesIn(implementedNames([](const ExportInfo&) { return true; })), kName);
+INSTANTIATE_TEST_SUITE_P(Exports, GuardedConformance,
+                         ::testing::ValuesIn(implementedNames([](const ExportInfo& e) { return e.hasGuard(); })),
+                         kName);
+INSTANTIATE_TEST_SUITE_P(Exports, OrderedWarnings, ::testing::ValuesIn(implementedNames([](const ExportInfo& e) {
+                             return e.warnings.size() >= 2 && !writesWarningsByKind(e);
+                         })),
+                         kName);
+INSTANTIATE_TEST_SUITE_P(Exports, InPlace, ::testing::ValuesIn(implementedNames([](const ExportInfo& e) {
+                             return e.shape != Shape::M && e.shape != Shape::P;
+                         })),
+                         kName);
+INSTANTIATE_TEST_SUITE_P(Exports, PositionIndependence,
+                         ::testing::ValuesIn(implementedNames([](const ExportInfo& e) { return !resultDependsOnPosition(e); })),
+                         kName);
+// A suite may be empty while no member of its kind is built.
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(GuardedConformance);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(OrderedWarnings);
+
+}  // namespace
+}  // namespace orvtest
