@@ -109,6 +109,27 @@ ORVVM_API OrvStatus orvsAbs_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len)
 ORVVM_API OrvStatus orvsConj_32fc_A24(const Orv32fc* src, Orv32fc* dst, int32_t len);
 ORVVM_API OrvStatus orvsConj_64fc_A53(const Orv64fc* src, Orv64fc* dst, int32_t len);
 
+/* ---- Exponential (real) -----------------------------------------------
+ * Exp: dst[i] = e^src[i].  Shape U.  Arguments checked dst, src, then len;
+ * results do not depend on the caller's rounding or flush modes (a caller's
+ * flush-to-zero still gets subnormal results).
+ * Warnings: orvStatusOverflow for a finite argument whose result overflows
+ * (at or above 88.72283935546875 for 32f, 709.7827128933841 for 64f; the
+ * result is +inf), orvStatusUnderflow for a result below the smallest
+ * normal number, subnormal or +0.  A24 returns +0 from -103.27893829345703
+ * down, where e^x is just below the smallest subnormal; A21 from
+ * -103.97208404541016 down.
+ * +inf gives +inf and -inf gives +0, with no warning.  A NaN gives no
+ * warning: A11 returns it unchanged (a signalling NaN stays signalling),
+ * A21, A24, A26 and A50 return it made quiet, A53 returns the pattern with
+ * all 64 bits set, whatever the NaN. */
+ORVVM_API OrvStatus orvsExp_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
 #ifdef __cplusplus
 }
 #endif
