@@ -170,6 +170,22 @@ TEST(ExpLimits, OverflowEdge) {
     }
 }
 
+// At the last double below the overflow limit A26's one-term reduction
+// gives r = 0 exactly, and its top scaling 2 * 2^1023 overflows with no
+// status; the finer reductions of A50 and A53 give the finite result.
+TEST(ExpLimits, LastDoubleBelowOverflow) {
+    const double x = f64(0x40862E42FEFA39EF);
+    OrvStatus s;
+    EXPECT_SAME_BITS(expOne(orvsExp_64f_A26, x, &s), double(INFINITY));
+    EXPECT_EQ(s, orvStatusOk);
+    const uint64_t exact = 0x7FEFFFFFFFFFFF2A;  // e^x correctly rounded
+    for (auto fn : {orvsExp_64f_A50, orvsExp_64f_A53}) {
+        const uint64_t got = bits(expOne(fn, x, &s));
+        EXPECT_LE(got > exact ? got - exact : exact - got, fn == orvsExp_64f_A53 ? 1u : 3u);
+        EXPECT_EQ(s, orvStatusOk);
+    }
+}
+
 TEST(ExpLimits, UnderflowAndZeroLimits) {
     const float smallest = f32(1);
     OrvStatus s;

@@ -318,10 +318,10 @@ ORV_EXPORT OrvStatus orvsExp_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len
     });
 }
 
-// Measured maxima; A26's leaves out the one input 0x40862E42FEFA39EF
-// described at the top.  Ranges: the screened ordinary range, the overflow
-// edge, the subnormal results and the zero limit, then the rest of the
-// finite line.
-ORV_ACCURACY(orvsExp_64f_A26, 2.98e7, ORV_RANGE(-708.39, 708.39), ORV_RANGE(708.39, 709.78), ORV_RANGE(-746, -708.39), ORV_RANGE(-1.7e308, 1.7e308));
+// Measured maxima; A26's leaves out (ORV_EXCLUDE) the one input
+// 0x40862E42FEFA39EF described at the top, which its tests pin.  Ranges:
+// the screened ordinary range, the overflow edge, the subnormal results and
+// the zero limit, then the rest of the finite line.
+ORV_ACCURACY(orvsExp_64f_A26, 2.98e7, ORV_RANGE(-708.39, 708.39), ORV_RANGE(708.39, 709.78), ORV_RANGE(-746, -708.39), ORV_RANGE(-1.7e308, 1.7e308), ORV_EXCLUDE(0x1.62e42fefa39efp+9));
 ORV_ACCURACY(orvsExp_64f_A50, 3.66, ORV_RANGE(-708.39, 708.39), ORV_RANGE(708.39, 709.78), ORV_RANGE(-746, -708.39), ORV_RANGE(-1.7e308, 1.7e308));
 ORV_ACCURACY(orvsExp_64f_A53, 0.76, ORV_RANGE(-708.39, 708.39), ORV_RANGE(708.39, 709.78), ORV_RANGE(-746, -708.39), ORV_RANGE(-1.7e308, 1.7e308));

@@ -7,19 +7,23 @@ namespace orvtest {
 namespace {
 
 std::vector<AccuracyRecord> load() {
-#define ORV_RANGE(...) Range{{__VA_ARGS__}}
+#define ORV_RANGE(...) Range{{__VA_ARGS__}, false}
+#define ORV_EXCLUDE(...) Range{{__VA_ARGS__}, true}
 #define ORV_ACCURACY(member, maxUlp, ...) AccuracyRecord{#member, double(maxUlp), {__VA_ARGS__}},
     std::vector<AccuracyRecord> records = {
 #include "accuracy_records.inc"
     };
 #undef ORV_ACCURACY
 #undef ORV_RANGE
+#undef ORV_EXCLUDE
     for (const AccuracyRecord& r : records) {
         const ExportInfo* e = findExport(r.member);
         if (!e) throw std::runtime_error("accuracy record of an unknown export " + r.member);
         for (const Range& range : r.ranges)
-            if (range.components() != e->inputComponents() || range.bounds.size() % 2)
+            if (range.components() != e->inputComponents() || (!range.excluded && range.bounds.size() % 2))
                 throw std::runtime_error("range of " + r.member + " has the wrong number of bounds");
+        if (r.ranges.empty() || r.ranges[0].excluded)
+            throw std::runtime_error("the first range of " + r.member + " must be its ordinary range");
     }
     return records;
 }

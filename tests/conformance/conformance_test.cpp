@@ -136,6 +136,32 @@ Outcome runPlain(const ExportInfo& e, const std::vector<Sample>& s) {
     return runAt(e, s, a.src, a.dst);
 }
 
+// The call alone runs in the given caller state: the arrays are filled and
+// read outside it, so the test's own conversions follow the defaults.
+Outcome runInState(const ExportInfo& e, const std::vector<Sample>& s, uint32_t mxcsr, uint16_t x87,
+                   uint32_t* mxcsrAfter = nullptr, uint16_t* x87After = nullptr) {
+    Arrays arr(e, s.size());
+    Outcome o = runAt(e, s, arr.src, arr.dst);  // fills the sources
+    CallArgs a;
+    a.src1 = arr.src[0];
+    a.src2 = arr.src[1];
+    a.dst1 = arr.dst[0];
+    a.dst2 = arr.dst[1];
+    a.len = int32_t(s.size());
+    setConstant(e, s, a);
+    const size_t dbytes = s.size() * e.dstElemSize();
+    for (int k = 0; k < e.destinationCount(); ++k) std::memset(arr.dst[k], 0xA5, dbytes);
+    {
+        FpEnvScope scope(mxcsr, x87);
+        o.status = invoke(e, a);
+        if (mxcsrAfter) *mxcsrAfter = readMxcsr();
+        if (x87After) *x87After = readX87();
+    }
+    o.dst1.assign(arr.dst[0], arr.dst[0] + dbytes);
+    if (e.destinationCount() == 2) o.dst2.assign(arr.dst[1], arr.dst[1] + dbytes);
+    return o;
+}
+
 class Conformance : public ::testing::TestWithParam<std::string> {
 protected:
     const ExportInfo& member() const { return *findExport(GetParam()); }
@@ -225,16 +251,10 @@ bool mxcsrGuardWrites(MxcsrGuard g, uint32_t mxcsr) {
 TEST_P(Conformance, RestoresMxcsrAndX87ControlWord) {
     const ExportInfo& e = member();
     auto s = mixedInputs(e, 37, 2);
-    Arrays arr(e, s.size());
     for (const CallerState& state : kCallerStates) {
         uint32_t mxcsrAfter;
         uint16_t x87After;
-        {
-            FpEnvScope scope(state.mxcsr, state.x87);
-            runAt(e, s, arr.src, arr.dst);
-            mxcsrAfter = readMxcsr();
-            x87After = readX87();
-        }
+        runInState(e, s, state.mxcsr, state.x87, &mxcsrAfter, &x87After);
         EXPECT_EQ(x87After, state.x87);
         EXPECT_EQ(mxcsrAfter & ~kMxcsrFlags, state.mxcsr) << std::hex << "MXCSR was 0x" << state.mxcsr;
         // Where the guard rewrote MXCSR, leaving restores the value of entry,
@@ -259,8 +279,7 @@ TEST_P(GuardedConformance, ResultsIgnoreCallerState) {
             if (e.mxcsrGuard == MxcsrGuard::NearestKeepDaz) mxcsr &= ~kMxcsrDaz;
         }
         uint16_t x87 = e.x87Guard != X87Guard::None ? state.x87 : kX87Default;
-        FpEnvScope scope(mxcsr, x87);
-        EXPECT_TRUE(runPlain(e, s) == want) << std::hex << "MXCSR 0x" << mxcsr << ", x87 0x" << x87;
+        EXPECT_TRUE(runInState(e, s, mxcsr, x87) == want) << std::hex << "MXCSR 0x" << mxcsr << ", x87 0x" << x87;
     }
 }
 
