@@ -219,22 +219,4 @@ TEST(Hypot, ComplexAbsOfOneElementAndOfAnOddTail) {
     }
 }
 
-TEST(Hypot, Binary32IsNearlyCorrectlyRounded) {
-    // Ordinary pairs, close and far apart in magnitude: at most one ulp
-    // from the correctly rounded root.
-    std::mt19937 gen(5);
-    std::vector<float> a, b;
-    for (int i = 0; i < 20000; ++i) {
-        float x = std::ldexp(1.0f + (gen() >> 9) * 0x1p-23f, int(gen() % 80) - 40);
-        float y = x * std::ldexp(1.0f + (gen() >> 9) * 0x1p-23f, -int(gen() % 20));
-        a.push_back(x);
-        b.push_back(gen() & 1 ? -y : y);
-    }
-    std::vector<float> r = hypot(orvsHypot_32f_A24, a, b);
-    for (size_t i = 0; i < a.size(); ++i) {
-        float want = reference32(a[i], b[i]);
-        ASSERT_LE(std::fabs(r[i] - want), std::nextafter(want, INFINITY) - want) << a[i] << " " << b[i];
-    }
-}
-
 }  // namespace
