@@ -130,6 +130,59 @@ ORVVM_API OrvStatus orvsExp_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len)
 ORVVM_API OrvStatus orvsExp_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsExp_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
 
+/* ---- Roots and norms ---------------------------------------------------
+ * Square root, reciprocal square root, hypotenuse and complex magnitude,
+ * by multiplications on the processor's 12-bit reciprocal square root
+ * estimate.  Round to nearest inside the call whatever the caller's
+ * MXCSR.  The A11 members of Sqrt and InvSqrt for 32f are that estimate
+ * itself, and the A21 members and the low bits of others follow it: their
+ * results may differ between processor makers. */
+
+/* Sqrt (real): dst[i] = sqrt(src[i]).  Shape U.  -0 gives -0; a negative
+   argument gives a NaN and orvStatusDomain. */
+ORVVM_API OrvStatus orvsSqrt_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
+/* InvSqrt: dst[i] = 1 / sqrt(src[i]).  Shape U.  +-0 gives +-infinity and
+   orvStatusSingularity; a negative argument gives a NaN and
+   orvStatusDomain.  In orvsInvSqrt_32f_A24 a block of 8 elements that
+   holds a zero, a negative or a denormal element is computed as a whole
+   by a slower route, and when it holds both a zero and a negative element
+   it returns orvStatusDomain whichever comes last.  orvsInvSqrt_64f_A26
+   and orvsInvSqrt_64f_A50 give equal results. */
+ORVVM_API OrvStatus orvsInvSqrt_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInvSqrt_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInvSqrt_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInvSqrt_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInvSqrt_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInvSqrt_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
+/* Hypot: dst[i] = sqrt(src1[i]^2 + src2[i]^2) without intermediate
+   overflow or underflow.  Shape B.  An infinite operand gives +infinity
+   even beside a NaN.  All tiers of a type give equal results.  Always
+   orvStatusOk after the argument checks. */
+ORVVM_API OrvStatus orvsHypot_32f_A11(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsHypot_32f_A21(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsHypot_32f_A24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsHypot_64f_A26(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsHypot_64f_A50(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsHypot_64f_A53(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+
+/* Abs (complex): dst[i] = |src[i]| = sqrt(re^2 + im^2), the same
+   computation as Hypot of re and im.  Shape M: complex source, real
+   destination.  All tiers of a type give equal results.  Always
+   orvStatusOk after the argument checks. */
+ORVVM_API OrvStatus orvsAbs_32fc_A11(const Orv32fc* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAbs_32fc_A21(const Orv32fc* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAbs_32fc_A24(const Orv32fc* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAbs_64fc_A26(const Orv64fc* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAbs_64fc_A50(const Orv64fc* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAbs_64fc_A53(const Orv64fc* src, Orv64f* dst, int32_t len);
+
 #ifdef __cplusplus
 }
 #endif

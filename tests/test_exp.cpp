@@ -9,7 +9,7 @@
 #include <random>
 #include <vector>
 
-#include "common/testing.h"
+#include "testing.h"
 #include "tables/exp2_fraction32.h"
 #include "tables/exp2_fraction64.h"
 #include "tables/exp2_headtail32.h"
