@@ -183,6 +183,34 @@ ORVVM_API OrvStatus orvsAbs_64fc_A26(const Orv64fc* src, Orv64f* dst, int32_t le
 ORVVM_API OrvStatus orvsAbs_64fc_A50(const Orv64fc* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsAbs_64fc_A53(const Orv64fc* src, Orv64f* dst, int32_t len);
 
+/* ---- Logarithms ---------------------------------------------------------
+ * Ln: dst[i] = ln(src[i]).  Log10: dst[i] = log10(src[i]).  Shape U.
+ * Zero (either sign) gives -inf and orvStatusSingularity; a negative
+ * argument, -inf included, gives a NaN and orvStatusDomain; the call
+ * returns the warning of the last element that warned.  +inf gives +inf; a
+ * NaN gives a NaN (made quiet in the A11 and A21 tiers, kept bit for bit in
+ * the others).  The NaN for a negative argument is 0xFFC00000 for 32f,
+ * except 0x7FFC0000 from orvsLn_32f_A24, and 0xFFF8000000000000 for 64f.
+ * A denormal argument never warns.
+ * The 64f A26 members check len first, then the pointers, and run in the
+ * caller's MXCSR rounding and denormal modes (their x87 precision is set to
+ * 53 bits for the call); the other members check dst, src, then len, and
+ * run in round to nearest with denormals honoured whatever the caller set.
+ * orvsLn_64f_A50 and orvsLn_64f_A53 are one routine, and so are
+ * orvsLog10_64f_A50 and orvsLog10_64f_A53. */
+ORVVM_API OrvStatus orvsLn_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLn_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLn_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLn_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLn_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLn_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
 #ifdef __cplusplus
 }
 #endif

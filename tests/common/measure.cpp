@@ -232,7 +232,7 @@ std::string familyFile(const ExportInfo& e) {
                   {"Hypot", "hypot"}, {"Cbrt", "cbrt"},    {"Expm1", "expm1"}, {"Log1p", "log1p"},
                   {"Sqrt", "sqrt"}};
     for (const auto& n : kNames)
-        if (e.family == n.family) return (e.isComplex() ? "c" : "") + std::string(n.file);
+        if (e.family == n.family && (e.isComplex() || e.family != "Sqrt")) return (e.isComplex() ? "c" : "") + std::string(n.file);
     return "";
 }
 
