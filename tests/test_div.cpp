@@ -311,13 +311,34 @@ TEST(DivShared, ProductsOutsideFloatRangeTakeTheElementForm) {
 }
 
 TEST(DivShared, PartialProductsBeyondDoubleRangeStayInTheX87Stack) {
-    // p = 1e600 and q = 1e-600 would overflow and underflow in binary64;
-    // their product 1 passes the screen.
-    const double b[4] = {1e300, 1e300, 1e-300, 1e-300};
-    const double a[4] = {1.0, 2.0, 3.0, 4.0};
-    double q[4];
-    ASSERT_EQ(orvsDiv_64f_A26(a, b, q, 4), orvStatusOk);
-    for (int i = 0; i < 4; ++i) EXPECT_LE(ulpDistance(q[i], a[i] / b[i]), 1) << i;
+    // Products that binary64 would overflow (1e600), underflow (1e-600) or
+    // hold only as a denormal (2.1e-310, some 45 bits) while p*q is well
+    // inside binary32: the round passes and must lose nothing.
+    const double b[2][4] = {{1e300, 1e300, 1e-300, 1e-300}, {3e-160, 7e-151, 1e150, 3e150}};
+    const double a[4] = {1.0, -2.0, 3.0, 4e-300};
+    for (const auto& d : b) {
+        double q[4];
+        ASSERT_EQ(orvsDiv_64f_A26(a, d, q, 4), orvStatusOk);
+        for (int i = 0; i < 4; ++i) EXPECT_LE(ulpDistance(q[i], a[i] / d[i]), 1) << a[i] << " / " << d[i];
+    }
+}
+
+// With four equal divisors the round and the element form make the same
+// products in the same order (b^2, b^4, 1/b^4, times b^2, times b), so a
+// quotient does not depend on where it stands.
+TEST(DivShared, ElementFormRepeatsTheRoundForEqualDivisors) {
+    std::mt19937_64 rng(3);
+    std::uniform_real_distribution<double> mantissa(1.0, 2.0);
+    for (int k = 0; k < 2000; ++k) {
+        // |b^4| inside binary32, so that the round passes.
+        const double b = std::ldexp(mantissa(rng), int(rng() % 60) - 30);
+        double a[4], d[4] = {b, b, b, b}, inBlock[4], alone[4];
+        for (double& x : a) x = std::ldexp(mantissa(rng), int(rng() % 400) - 200);
+        ASSERT_EQ(orvsDiv_64f_A26(a, d, inBlock, 4), orvStatusOk);
+        ASSERT_EQ(orvsDiv_64f_A26(a, d, alone, 3), orvStatusOk);
+        ASSERT_EQ(orvsDiv_64f_A26(a + 3, d, alone + 3, 1), orvStatusOk);
+        for (int i = 0; i < 4; ++i) ASSERT_SAME_BITS(alone[i], inBlock[i]) << a[i] << " / " << b;
+    }
 }
 
 TEST(DivShared, ResultDoesNotDependOnTheCallersX87Precision) {
@@ -333,8 +354,11 @@ TEST(DivShared, ResultDoesNotDependOnTheCallersX87Precision) {
 // ---- Shared vector division of Inv 64f A26/A50 ----------------------------
 
 TEST(InvShared, OutsideTheScreenItIsThePlainDivision) {
-    // 1e-80 and 2^256: x^4 would leave the normal range.
-    for (double x : {1e-80, -f64(0x4FEFFFFF00000000), 1e300, 5e-324}) {
+    // x^4 would leave the normal range: 1e-80, the first values beyond
+    // each limit, 2^-256 and 2^256 (whose fourth powers, 2^-1024 and
+    // 2^1024, make 1/x^4 infinite or zero), and the far ends.
+    for (double x : {1e-80, f64(0x2FF6A09EFFFFFFFF), -f64(0x4FEFFFFF00000000), f64(0x2FF0000000000000),
+                     -f64(0x4FF0000000000000), 1e300, 5e-324}) {
         std::vector<double> src(8, x), dst(8);
         src.push_back(x);  // and the tail
         dst.resize(9);

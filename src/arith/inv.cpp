@@ -12,11 +12,23 @@
 //   A53  the vector hardware division 1/x, two at a time.
 //
 // Measured accuracy, in ulps of the correctly rounded reciprocal: A11
-// 3070 and A21 2.08 (all 2^32 inputs; both depend on the processor's rcpps,
-// these are the build machine's figures), A24 and A53 0.5, A26/A50 2.31
-// (random inputs over the whole binary64 range).  The shared division's
-// error is that of five roundings of 2^-53: in B*(Q*R) the rounding of Q
-// cancels, those of P, P*Q, R, Q*R and the final product remain.
+// 4763 (relative 2^-11.63) and A21 2.87 over all 2^32 inputs (both depend
+// on the processor's rcpps; these are the build machine's figures), A24
+// and A53 0.5, A26/A50 3.09 in general and 4.85 at the top of the screen
+// (random and directed inputs over the whole binary64 range).
+//
+// Error of the shared division.  In B*(Q*R) the rounding of Q cancels;
+// those of P, P*Q, R, Q*R and the final product remain.  P and Q*R (about
+// 1/P) are a reciprocal pair, as are P*Q and R, and the relative rounding
+// errors of such a pair add up to at most 1.5 * 2^-53; so the error is
+// below 3 * 2^-53 relative plus the final half ulp, under 3.5 ulp.  That
+// holds while R is normal.  When the four elements of one lane group (i,
+// i+2, i+4, i+6, or i+1, i+3, ...) are all above about 2^254 in magnitude,
+// P*Q reaches 2^1022 and R = 1/(P*Q) is a denormal of as few as 50 bits:
+// the error grows to about 5 ulp, 4.85 measured for one element just above
+// 2^255 and three just below 2^256.  That corner is the one place where
+// the A50 member exceeds 4 ulp.  The ElementPath's route through x^4 stays
+// below 3.3 ulp.
 //
 // Screens and special cases.
 //   A11, A21  x must be normal with a normal reciprocal (division.h); a
@@ -198,3 +210,16 @@ ORV_EXPORT OrvStatus orvsInv_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len
             [&](int32_t i) { dst[i] = invertElement53(src[i], status); });
     });
 }
+
+// 32f: all 2^32 inputs, each in a passing block and in the ElementPath; the
+// A11 and A21 figures are the build machine's rcpps and leave out +-2^126,
+// whose block result is 0 where rcpps flushes the tiny reciprocal (the
+// ElementPath gives the exact 2^-126).  64f: random inputs over the whole
+// range, the screen's range and its ends, and a directed search at the top
+// of the screen, where the A26/A50 maximum lies (see above).
+ORV_ACCURACY(orvsInv_32f_A11, 4770, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38), ORV_RANGE(-1.2e-38, 1.2e-38));
+ORV_ACCURACY(orvsInv_32f_A21, 2.87, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38), ORV_RANGE(-1.2e-38, 1.2e-38));
+ORV_ACCURACY(orvsInv_32f_A24, 0.5, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38), ORV_RANGE(-1.2e-38, 1.2e-38));
+ORV_ACCURACY(orvsInv_64f_A26, 4.85, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308), ORV_RANGE(-1.15e77, 1.15e77), ORV_RANGE(-2.2e-308, 2.2e-308));
+ORV_ACCURACY(orvsInv_64f_A50, 4.85, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308), ORV_RANGE(-1.15e77, 1.15e77), ORV_RANGE(-2.2e-308, 2.2e-308));
+ORV_ACCURACY(orvsInv_64f_A53, 0.5, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308), ORV_RANGE(-2.2e-308, 2.2e-308));
