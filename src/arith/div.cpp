@@ -122,6 +122,11 @@ bool productInFloatRange(long double m) {
     return (word & kAbs32) != 0 && (word & division::kInf32) != division::kInf32;
 }
 
+// Rounds an extended value to binary64 in the store itself (fstpl), with
+// no detour through the stack and an SSE register, which costs the round a
+// store-forwarding stall when two such values are paired into one vector.
+inline void storeAsDouble(Orv64f* p, long double x) { asm("fstpl %0" : "=m"(*p) : "t"(x) : "st"); }
+
 // Error: the partial products and r are each rounded at 64-bit precision,
 // and in b1*(q*r) the rounding errors of p, q and p*q enter at most once
 // each; with r, q*r, b1*(...) and *a that is at most seven roundings of
@@ -133,10 +138,10 @@ bool sharedX87Block(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t
     if (!productInFloatRange(m)) return false;
     long double r = 1.0L / m;
     long double invP = q * r, invQ = p * r;
-    dst[i + 2] = double((b3 * invQ) * a2);
-    dst[i + 3] = double((b2 * invQ) * a3);
-    dst[i] = double((b1 * invP) * a0);
-    dst[i + 1] = double((b0 * invP) * a1);
+    storeAsDouble(dst + i + 2, (b3 * invQ) * a2);
+    storeAsDouble(dst + i + 3, (b2 * invQ) * a3);
+    storeAsDouble(dst + i, (b1 * invP) * a0);
+    storeAsDouble(dst + i + 1, (b0 * invP) * a1);
     return true;
 }
 
