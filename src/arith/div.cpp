@@ -127,10 +127,11 @@ bool productInFloatRange(long double m) {
 // store-forwarding stall when two such values are paired into one vector.
 inline void storeAsDouble(Orv64f* p, long double x) { asm("fstpl %0" : "=m"(*p) : "t"(x) : "st"); }
 
-// Error: the partial products and r are each rounded at 64-bit precision,
-// and in b1*(q*r) the rounding errors of p, q and p*q enter at most once
-// each; with r, q*r, b1*(...) and *a that is at most seven roundings of
-// 2^-64, far below the final rounding to binary64 (0.5 ulp + 2^-10 ulp).
+// Error: every step is rounded at 64-bit precision.  In b1*(q*r) the
+// rounding of q cancels against the same q inside p*q; those of p, p*q, r,
+// q*r, the product with b1 and the one with a0 remain: six of at most
+// 2^-64 relative, under 0.003 ulp of binary64 on top of the final
+// rounding's half ulp.
 bool sharedX87Block(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t i) {
     long double b0 = src2[i], b1 = src2[i + 1], b2 = src2[i + 2], b3 = src2[i + 3];
     long double a0 = src1[i], a1 = src1[i + 1], a2 = src1[i + 2], a3 = src1[i + 3];
