@@ -211,6 +211,39 @@ ORVVM_API OrvStatus orvsLog10_64f_A26(const Orv64f* src, Orv64f* dst, int32_t le
 ORVVM_API OrvStatus orvsLog10_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsLog10_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
 
+/* ---- Division and reciprocal -------------------------------------------
+ * Real members.  The lower tiers avoid the hardware division: A11 uses the
+ * processor's approximate reciprocal (rcpps, about 12 bits) and A21 adds
+ * one Newton step to it, so the bits of their results depend on the
+ * processor; A26 and A50 share one division among four or eight elements.
+ * A24 and A53 divide outright.  The only warning is orvStatusSingularity
+ * (a zero divisor), whose condition depends on the member; results of a
+ * zero divisor are those of IEEE division. */
+
+/* Div (real): dst[i] = src1[i] / src2[i].  Shape B.  Warns for a zero
+   divisor: in the 32f members when the numerator is not NaN, in
+   orvsDiv_64f_A26/A50 always, in orvsDiv_64f_A53 when the numerator is
+   finite (that member also raises the divide-by-zero flag, and under the
+   caller's denormals-are-zero reads denormal operands as zero).
+   orvsDiv_64f_A26 and orvsDiv_64f_A50 are one function. */
+ORVVM_API OrvStatus orvsDiv_32f_A11(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsDiv_32f_A21(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsDiv_32f_A24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsDiv_64f_A26(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsDiv_64f_A50(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsDiv_64f_A53(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+
+/* Inv: dst[i] = 1 / src[i].  Shape U.  Warns for src[i] = +-0 in every
+   member; orvsInv_64f_A53 also raises the divide-by-zero flag and, under
+   the caller's denormals-are-zero, reads a denormal as zero.
+   orvsInv_64f_A26 and orvsInv_64f_A50 give equal results. */
+ORVVM_API OrvStatus orvsInv_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInv_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInv_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInv_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInv_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInv_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
 #ifdef __cplusplus
 }
 #endif

@@ -331,6 +331,7 @@ ORV_ACCURACY(orvsLog10_32f_A21, 1.76, ORV_RANGE(1e-3, 1e3), ORV_RANGE(1.2e-38, 3
 // Log10 A24: rows 126 and 127 of its table hold the same R as row 128, so
 // their head and tail are zero and B is exactly 0 for x in 0x3F7D8155 ..
 // 0x3F7DB179 (0.99025 to 0.99099): ul joins A there in a rounded addition,
-// and 47 of those inputs reach up to 1.0193 ulp.  The record leaves that
-// band out; the tests pin it.
-ORV_ACCURACY(orvsLog10_32f_A24, 1.02, ORV_RANGE(1e-3, 1e3), ORV_RANGE(1.2e-38, 3.4e38), ORV_RANGE(1.4e-45, 1.1e-38), ORV_RANGE(0.98, 1.02), ORV_EXCLUDE_MAGNITUDES(0x1.fb02aap-1, 0x1.fb62f4p-1));
+// and 47 of those inputs reach up to 1.01933 ulp.  The record leaves that
+// band out (the tests pin it); everywhere else the maximum is 0.990 ulp,
+// over all other 2^32 inputs.
+ORV_ACCURACY(orvsLog10_32f_A24, 0.991, ORV_RANGE(1e-3, 1e3), ORV_RANGE(1.2e-38, 3.4e38), ORV_RANGE(1.4e-45, 1.1e-38), ORV_RANGE(0.98, 1.02), ORV_EXCLUDE_MAGNITUDES(0x1.fb02aap-1, 0x1.fb62f4p-1));

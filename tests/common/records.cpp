@@ -47,7 +47,9 @@ bool isExactFamily(const ExportInfo& e) {
 bool Range::contains(const double* x) const {
     for (int c = 0; c < components(); ++c) {
         if (kind == ExcludedPoint && !(x[c] == bounds[c])) return false;
-        if (kind != ExcludedPoint && !(std::fabs(x[c]) >= lo(c) && std::fabs(x[c]) < hi(c))) return false;
+        // An infinite upper bound takes infinity in.
+        const double m = std::fabs(x[c]);
+        if (kind != ExcludedPoint && !(m >= lo(c) && (m < hi(c) || std::isinf(hi(c))))) return false;
     }
     return true;
 }
