@@ -58,30 +58,7 @@ std::vector<Sample> mixedInputs(const ExportInfo& e, int count, uint64_t seed) {
     return out;
 }
 
-void putReal(unsigned char* p, double v, bool is64) {
-    if (is64)
-        std::memcpy(p, &v, 8);
-    else {
-        float f = float(v);
-        std::memcpy(p, &f, 4);
-    }
-}
-
 using Bytes = std::vector<unsigned char>;
-
-// The bytes of source array k (0 or 1) for the samples, and the constant.
-Bytes sourceBytes(const ExportInfo& e, const std::vector<Sample>& s, int k) {
-    const int cv = e.isComplex() && e.shape != Shape::P ? 2 : 1;
-    Bytes b(s.size() * e.srcElemSize());
-    for (size_t i = 0; i < s.size(); ++i)
-        for (int c = 0; c < cv; ++c) putReal(&b[(i * cv + c) * e.realSize()], s[i].in[k * cv + c], e.is64());
-    return b;
-}
-void setConstant(const ExportInfo& e, const std::vector<Sample>& s, CallArgs& a) {
-    if (e.shape != Shape::K) return;
-    const int cv = e.isComplex() ? 2 : 1;
-    for (int c = 0; c < cv; ++c) putReal(a.constant + c * e.realSize(), s[0].in[cv + c], e.is64());
-}
 
 // What a call produced: its status and the bytes of its destinations.
 struct Outcome {
