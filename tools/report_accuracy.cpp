@@ -1,0 +1,187 @@
+// orvvm_accuracy: the accuracy half of the report.  For every member the
+// library has (or those matching --members), measured through the accuracy
+// harness against MPFR/MPC on the special values, --samples inputs from
+// each range of its record and glibc's hard cases when present, one TSV
+// line as soon as the member is done:
+//
+//   member family type tier bound verdict max_ulp recorded_ulp min_bits
+//   samples inexact class_mismatches worst
+//
+// verdict: pass (within its tier and its recorded maximum), above-record
+// (within its tier, above the maximum recorded next to its code), FAIL, or
+// no-record / no-reference.  --shard I/K takes every K-th member from the
+// I-th, so that K processes share the work.
+//
+// --errors MEMBER [--points N]: the error of each of N inputs from each
+// range of the member's record, for the plot of its error across its
+// domain: lines "range in0 [in1 ...] ulp bits", after "# range" lines
+// giving each range's bounds.
+//
+// --build-info: the compiler and flags of this build, for the report.
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <optional>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "exports.h"
+#include "measure.h"
+#include "records.h"
+#include "reference.h"
+
+using namespace orvtest;
+
+namespace {
+
+struct Options {
+    int samples = 1024;
+    int shard = 0, shards = 1;
+    std::string members;
+    std::string errorsOf;
+    int points = 4000;
+    bool buildInfo = false;
+};
+
+void usage() {
+    std::fprintf(stderr,
+                 "usage: orvvm_accuracy [--samples N] [--shard I/K] [--members REGEX]\n"
+                 "       orvvm_accuracy --errors MEMBER [--points N]\n"
+                 "       orvvm_accuracy --build-info\n");
+    std::exit(2);
+}
+
+Options parse(int argc, char** argv) {
+    Options o;
+    for (int i = 1; i < argc; ++i) {
+        const std::string a = argv[i];
+        auto value = [&]() -> std::string {
+            if (i + 1 >= argc) usage();
+            return argv[++i];
+        };
+        if (a == "--samples")
+            o.samples = std::max(1, std::atoi(value().c_str()));
+        else if (a == "--shard") {
+            if (std::sscanf(value().c_str(), "%d/%d", &o.shard, &o.shards) != 2 || o.shards < 1 || o.shard < 0 ||
+                o.shard >= o.shards)
+                usage();
+        } else if (a == "--members")
+            o.members = value();
+        else if (a == "--errors")
+            o.errorsOf = value();
+        else if (a == "--points")
+            o.points = std::max(1, std::atoi(value().c_str()));
+        else if (a == "--build-info")
+            o.buildInfo = true;
+        else
+            usage();
+    }
+    return o;
+}
+
+// Tabs and newlines in a message would break the TSV.
+std::string oneField(std::string s) {
+    for (char& c : s)
+        if (c == '\t' || c == '\n') c = ' ';
+    return s;
+}
+
+void measureMember(const ExportInfo& e, int perRange) {
+    const AccuracyRecord* record = findRecord(e.name);
+    const TierBound bound = tierBound(e);
+    auto line = [&](const char* verdict, const ErrorStats* st, const std::string& worst) {
+        std::printf("%s\t%s\t%s\t%s\t%s\t%s\t", e.name.c_str(), e.family.c_str(), e.typeTag.c_str(), e.tier.c_str(),
+                    bound.describe().c_str(), verdict);
+        if (st)
+            std::printf("%.4g\t", st->maxUlp);
+        else
+            std::printf("\t");
+        if (record)
+            std::printf("%g\t", record->maxUlp);
+        else
+            std::printf("\t");
+        if (st)
+            std::printf("%.3g\t%ld\t%ld\t%ld\t", st->minBits, st->count, st->inexact, st->classMismatches);
+        else
+            std::printf("\t\t\t\t");
+        std::printf("%s\n", oneField(worst).c_str());
+        std::fflush(stdout);
+    };
+    if (!record) return line("no-record", nullptr, "no ORV_ACCURACY record next to the code");
+    if (!referenceFor(e)) return line("no-reference", nullptr, "no MPFR reference for family " + e.family);
+
+    // The accuracy test's samples, fewer of them: the same seeds.
+    std::vector<Sample> samples = specialSamples(e);
+    uint64_t seed = std::hash<std::string>{}(e.name);
+    for (const Range& r : record->ranges) {
+        auto part = sampleRange(e, r, perRange, seed++);
+        samples.insert(samples.end(), part.begin(), part.end());
+    }
+    for (const PeerCase& c : peerVectors(e).cases) samples.push_back(c.sample);
+    const ErrorStats st = measureErrors(e, samples, runMember(e, samples));
+    const bool tier = withinTier(e, st);
+    const char* verdict = !tier ? "FAIL" : st.maxUlp > record->maxUlp ? "above-record" : "pass";
+    line(verdict, &st, st.worst);
+}
+
+int errorsAcrossDomain(const Options& o) {
+    const ExportInfo* e = findExport(o.errorsOf);
+    if (!e || !e->symbol()) {
+        std::fprintf(stderr, "%s is not a member the library has\n", o.errorsOf.c_str());
+        return 1;
+    }
+    const AccuracyRecord* record = findRecord(e->name);
+    if (!record || !referenceFor(*e)) {
+        std::fprintf(stderr, "%s has no accuracy record or no reference\n", e->name.c_str());
+        return 1;
+    }
+    std::printf("# member %s tier %s bound %s recorded %g inputs %d\n", e->name.c_str(), e->tier.c_str(),
+                tierBound(*e).describe().c_str(), record->maxUlp, e->inputComponents());
+    for (size_t r = 0; r < record->ranges.size(); ++r) {
+        std::printf("# range %zu", r);
+        for (double b : record->ranges[r].bounds) std::printf(" %.17g", b);
+        std::printf("\n");
+    }
+    uint64_t seed = std::hash<std::string>{}(e->name) ^ 0x9e3779b97f4a7c15ull;
+    for (size_t r = 0; r < record->ranges.size(); ++r) {
+        const std::vector<Sample> samples = sampleRange(*e, record->ranges[r], o.points, seed++);
+        const std::vector<SampleError> errors = sampleErrors(*e, samples, runMember(*e, samples));
+        for (size_t i = 0; i < samples.size(); ++i) {
+            std::printf("%zu", r);
+            for (int c = 0; c < e->inputComponents(); ++c) std::printf("\t%.17g", samples[i].in[c]);
+            std::printf("\t%.6g\t%.4g\n", errors[i].ulp, errors[i].bits);
+        }
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const Options o = parse(argc, argv);
+    if (o.buildInfo) {
+        std::printf("compiler\t%s\nlibrary_flags\t%s\nbench_flags\t%s\nbuild_type\t%s\nlibrary\t%s\n",
+                    ORVVM_COMPILER_TEXT, ORVVM_LIBRARY_FLAGS_TEXT, ORVVM_BENCH_FLAGS_TEXT, ORVVM_BUILD_TYPE_TEXT,
+                    ORVVM_LIBRARY_PATH);
+        return 0;
+    }
+    if (!o.errorsOf.empty()) return errorsAcrossDomain(o);
+
+    std::optional<std::regex> only;
+    if (!o.members.empty()) only.emplace(o.members);
+    std::vector<const ExportInfo*> mine;
+    int index = 0;
+    for (const ExportInfo* e : implementedExports()) {
+        if (only && !std::regex_search(e->name, *only)) continue;
+        if (index++ % o.shards == o.shard) mine.push_back(e);
+    }
+    std::printf("# members %zu\n", mine.size());
+    std::printf("member\tfamily\ttype\ttier\tbound\tverdict\tmax_ulp\trecorded_ulp\tmin_bits\tsamples\tinexact\t"
+                "class_mismatches\tworst\n");
+    std::fflush(stdout);
+    for (const ExportInfo* e : mine) measureMember(*e, o.samples);
+    return 0;
+}
