@@ -39,6 +39,12 @@ def parse_args():
     p.add_argument("--samples", type=int, default=1024,
                    help="accuracy: random inputs per recorded range, besides the special values and "
                         "glibc's hard cases (default 1024; the accuracy test uses 8192)")
+    p.add_argument("--budget", type=float, default=1.5,
+                   help="accuracy: seconds per member at most (default 1.5; the inputs are taken from every "
+                        "source in turn, so a member cut short still has some of each)")
+    p.add_argument("--member-timeout", type=float, default=5.0,
+                   help="accuracy: a member without a result after this many seconds is recorded as a timeout "
+                        "(a reference that does not finish on some input; default 5)")
     p.add_argument("--plot-member", default="",
                    help="member whose error across its domain is plotted (default orvsExp_32f_A24 if the "
                         "library has it, else the first member)")
@@ -120,49 +126,97 @@ def read_lines(stream, tag, q):
 # ---- Accuracy ------------------------------------------------------------------
 
 ACC_FIELDS = ["member", "family", "type", "tier", "bound", "verdict", "max_ulp", "recorded_ulp", "min_bits",
-              "samples", "inexact", "class_mismatches", "worst"]
+              "samples", "planned", "inexact", "class_mismatches", "worst"]
+
+
+def timeout_row(member, seconds):
+    m = re.match(r"orvs(\w+?)_(\d+fc?)(?:_(A\d+))?$", member)
+    family, typ, tier = (m.group(1), m.group(2), m.group(3) or "-") if m else ("", "", "")
+    return {"member": member, "family": family, "type": typ, "tier": tier, "verdict": "timeout",
+            "worst": f"no result within {seconds:g} s: a reference evaluation (MPFR/MPC) did not finish"}
+
+
+class Shard:
+    """One accuracy process: its members in order, and which one it is on."""
+
+    def __init__(self, index, count, args, tool, q):
+        self.index, self.count, self.args, self.tool, self.q = index, count, args, tool, q
+        self.done, self.generation, self.current, self.since, self.proc = 0, -1, None, 0.0, None
+        self.finished = False
+
+    def start(self):
+        self.generation += 1
+        cmd = [self.tool, "--samples", str(self.args.samples), "--budget", str(self.args.budget),
+               "--shard", f"{self.index}/{self.count}", "--skip", str(self.done)]
+        if self.args.members:
+            cmd += ["--members", self.args.members]
+        self.proc = subprocess.Popen(cmd, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        self.current = None
+        threading.Thread(target=read_lines, args=(self.proc.stdout, (self.index, self.generation), self.q),
+                         daemon=True).start()
+
+    def kill(self):
+        self.proc.kill()
+        self.proc.wait()
 
 
 def measure_accuracy(args, tool):
-    """Runs the accuracy tool in --jobs shards; one row per member."""
-    jobs = max(1, args.jobs)
+    """Runs the accuracy tool in --jobs shards; one row per member.  A member
+    that gives no result within --member-timeout seconds (a reference that
+    does not finish) is recorded as a timeout, and its shard goes on with
+    the next member."""
     q = queue.Queue()
-    procs = []
-    for shard in range(jobs):
-        cmd = [tool, "--samples", str(args.samples), "--shard", f"{shard}/{jobs}"]
-        if args.members:
-            cmd += ["--members", args.members]
-        proc = subprocess.Popen(cmd, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
-        procs.append(proc)
-        threading.Thread(target=read_lines, args=(proc.stdout, shard, q), daemon=True).start()
+    shards = [Shard(i, max(1, args.jobs), args, tool, q) for i in range(max(1, args.jobs))]
+    for shard in shards:
+        shard.start()
     progress = Progress("accuracy", 0)
-    rows, open_streams, total = {}, jobs, 0
-    while open_streams:
-        _, line = q.get()
+    rows, total = {}, 0
+    while not all(shard.finished for shard in shards):
+        for shard in shards:
+            if not shard.finished and shard.current and time.time() - shard.since > args.member_timeout:
+                shard.kill()
+                rows[shard.current] = timeout_row(shard.current, args.member_timeout)
+                progress.step(f"{shard.current} (timeout)")
+                shard.done += 1
+                shard.start()
+        try:
+            (index, generation), line = q.get(timeout=0.5)
+        except queue.Empty:
+            continue
+        shard = shards[index]
+        if generation != shard.generation:
+            continue  # a process that was stopped
         if line is None:
-            open_streams -= 1
-            continue
-        if line.startswith("# members "):
-            total += int(line.split()[2])
-            progress.set_total(total)
-            progress.show("")
-        elif line.startswith("member\t"):
-            continue
-        else:
+            err = shard.proc.stderr.read()
+            if shard.proc.wait() != 0:
+                fail(f"{tool} failed:\n{err}")
+            shard.finished = True
+        elif line.startswith("# members "):
+            if generation == 0:
+                total += int(line.split()[2])
+                progress.set_total(total)
+                progress.show("")
+        elif line.startswith("# start "):
+            shard.current, shard.since = line[len("# start "):], time.time()
+        elif not line.startswith("member\t"):
             fields = line.split("\t")
             row = dict(zip(ACC_FIELDS, fields + [""] * (len(ACC_FIELDS) - len(fields))))
             rows[row["member"]] = row
+            shard.done += 1
+            shard.current = None
             progress.step(row["member"])
-    for proc in procs:
-        err = proc.stderr.read()
-        if proc.wait() != 0:
-            fail(f"{tool} failed:\n{err}")
     progress.finish()
     return rows
 
 
 def errors_across_domain(args, tool, member):
-    out = subprocess.run([tool, "--errors", member, "--points", str(args.points)], capture_output=True, text=True)
+    try:
+        out = subprocess.run([tool, "--errors", member, "--points", str(args.points), "--budget",
+                              str(4 * args.budget)], capture_output=True, text=True,
+                             timeout=8 * args.budget + 2 * args.member_timeout)
+    except subprocess.TimeoutExpired:
+        sys.stderr.write(f"orvvm-report: no error plot: the errors of {member} took too long\n")
+        return None
     if out.returncode != 0:
         sys.stderr.write(f"orvvm-report: no error plot: {out.stderr.strip()}\n")
         return None
@@ -469,6 +523,9 @@ def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, in
         return number(r["orvvm_elem_per_ns"]) if r else None
 
     verdicts = [accuracy[m]["verdict"] for m in accuracy]
+    partial = {m for m, a in accuracy.items()
+               if number(a.get("samples")) is not None and number(a.get("planned"))
+               and number(a["samples"]) < number(a["planned"])}
     lines = []
     w = lines.append
     w("# orvvm: accuracy and speed of every member\n")
@@ -481,12 +538,16 @@ def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, in
     w(f"| Speed | arrays of {', '.join(f'{s:,}' for s in sizes)} elements from each member's ordinary range; "
       f"median of {args.repetitions} repetitions of at least {args.min_time:g} s; CPU time; "
       f"{args.special:.0%} special elements in the special input ({special_size:,} elements) |")
-    w(f"| Accuracy | special values, {args.samples} random inputs per recorded range, glibc's hard cases; "
-      f"against MPFR/MPC |\n")
+    w(f"| Accuracy | special values, {args.samples} random inputs per recorded range, glibc's hard cases, "
+      f"at most {args.budget:g} s per member; against MPFR/MPC |\n")
     w("## Summary\n")
     w(f"- Members: {len(members)}; accuracy: {verdicts.count('pass')} pass, "
       f"{verdicts.count('above-record')} above their recorded maximum, {verdicts.count('FAIL')} fail, "
-      f"{sum(v.startswith('no-') for v in verdicts)} without record or reference.")
+      f"{verdicts.count('timeout')} timed out, {sum(v.startswith('no-') for v in verdicts)} without record "
+      f"or reference.")
+    if partial:
+        w(f"- {len(partial)} members were measured on fewer inputs than planned, within the time budget of "
+          f"{args.budget:g} s per member (marked * below).")
     for size in sizes:
         parts = []
         for kind in KINDS:
@@ -522,8 +583,10 @@ def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, in
         bits = number(a.get("min_bits"))
         bits_text = "–" if bits is None else ("all" if bits >= 1e8 else f"{bits:.1f}")
         verdict = a.get("verdict", "not measured")
-        if verdict == "FAIL":
-            verdict = "**FAIL**"
+        if verdict in ("FAIL", "timeout"):
+            verdict = f"**{verdict}**"
+        if m in partial:
+            verdict += "*"
         cells = [f"`{m}`", a.get("bound", ""), a.get("max_ulp", "") or "–", bits_text, verdict]
         rates = [rate(m, s, "ordinary") for s in sizes]
         cells.append(" / ".join("–" if v is None else f"{v:.3g}" for v in rates))
@@ -545,6 +608,9 @@ def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, in
         w("\n## Members to look at\n")
         for m, a in worst:
             w(f"- `{m}`: {a['verdict']}: {a.get('worst', '')}")
+    if partial:
+        w("\n## Members measured on fewer inputs than planned\n")
+        w(", ".join(f"`{m}` ({accuracy[m]['samples']} of {accuracy[m]['planned']})" for m in sorted(partial)))
     if callgrind:
         w(f"\n## Instructions per element (callgrind, {min(sizes):,} elements, {args.calls} calls)\n")
         w("Counted by valgrind's callgrind inside one function that makes the calls: the same on every run, "

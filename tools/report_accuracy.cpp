@@ -5,23 +5,36 @@
 // line as soon as the member is done:
 //
 //   member family type tier bound verdict max_ulp recorded_ulp min_bits
-//   samples inexact class_mismatches worst
+//   samples planned inexact class_mismatches worst
+//
+// A member gets at most --budget seconds (default 1.5): the samples are
+// taken round-robin from their sources (the special values, each range, the
+// hard cases) in small chunks, so that a member whose reference is slow
+// (MPC's complex tangent, say, can take minutes on one input with a large
+// imaginary part) still gets a share of every source; `samples` says how
+// many were measured, `planned` how many there were.  A line "# start
+// MEMBER" comes before each member, so that a driver can tell which member
+// hangs; --skip N leaves out the first N members of the shard, to go on
+// after one.
 //
 // verdict: pass (within its tier and its recorded maximum), above-record
 // (within its tier, above the maximum recorded next to its code), FAIL, or
 // no-record / no-reference.  --shard I/K takes every K-th member from the
 // I-th, so that K processes share the work.
 //
-// --errors MEMBER [--points N]: the error of each of N inputs from each
-// range of the member's record, for the plot of its error across its
+// --errors MEMBER [--points N]: the error of each of N inputs (or as many
+// as --budget seconds per range allow) from each range of the member's
+// record, for the plot of its error across its
 // domain: lines "range in0 [in1 ...] ulp bits", after "# range" lines
 // giving each range's bounds.
 //
 // --build-info: the compiler and flags of this build, for the report.
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <regex>
@@ -43,13 +56,15 @@ struct Options {
     std::string members;
     std::string errorsOf;
     int points = 4000;
+    double budget = 1.5;
+    int skip = 0;
     bool buildInfo = false;
 };
 
 void usage() {
     std::fprintf(stderr,
-                 "usage: orvvm_accuracy [--samples N] [--shard I/K] [--members REGEX]\n"
-                 "       orvvm_accuracy --errors MEMBER [--points N]\n"
+                 "usage: orvvm_accuracy [--samples N] [--budget SECONDS] [--shard I/K] [--skip N] [--members REGEX]\n"
+                 "       orvvm_accuracy --errors MEMBER [--points N] [--budget SECONDS]\n"
                  "       orvvm_accuracy --build-info\n");
     std::exit(2);
 }
@@ -74,6 +89,10 @@ Options parse(int argc, char** argv) {
             o.errorsOf = value();
         else if (a == "--points")
             o.points = std::max(1, std::atoi(value().c_str()));
+        else if (a == "--budget")
+            o.budget = std::atof(value().c_str());
+        else if (a == "--skip")
+            o.skip = std::max(0, std::atoi(value().c_str()));
         else if (a == "--build-info")
             o.buildInfo = true;
         else
@@ -89,10 +108,47 @@ std::string oneField(std::string s) {
     return s;
 }
 
-void measureMember(const ExportInfo& e, int perRange) {
+using Clock = std::chrono::steady_clock;
+
+double secondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+// Chunks small enough that the budget is checked often, large enough that
+// the call overhead does not count.
+constexpr size_t kChunk = 64;
+
+// Measures the samples of each source round-robin, a chunk at a time, until
+// all are done or `budget` seconds have passed.
+ErrorStats measureWithinBudget(const ExportInfo& e, const std::vector<std::vector<Sample>>& sources,
+                               double budget) {
+    const Clock::time_point start = Clock::now();
+    ErrorStats total;
+    std::vector<size_t> next(sources.size(), 0);
+    for (bool left = true; left;) {
+        left = false;
+        for (size_t k = 0; k < sources.size(); ++k) {
+            const std::vector<Sample>& src = sources[k];
+            if (next[k] >= src.size()) continue;
+            const size_t end = std::min(src.size(), next[k] + kChunk);
+            const std::vector<Sample> chunk(src.begin() + next[k], src.begin() + end);
+            next[k] = end;
+            const ErrorStats st = measureErrors(e, chunk, runMember(e, chunk));
+            if (total.count == 0)
+                total = st;
+            else
+                total.merge(st);
+            left |= next[k] < src.size();
+            if (secondsSince(start) > budget) return total;
+        }
+    }
+    return total;
+}
+
+void measureMember(const ExportInfo& e, int perRange, double budget) {
     const AccuracyRecord* record = findRecord(e.name);
     const TierBound bound = tierBound(e);
-    auto line = [&](const char* verdict, const ErrorStats* st, const std::string& worst) {
+    auto line = [&](const char* verdict, const ErrorStats* st, long planned, const std::string& worst) {
         std::printf("%s\t%s\t%s\t%s\t%s\t%s\t", e.name.c_str(), e.family.c_str(), e.typeTag.c_str(), e.tier.c_str(),
                     bound.describe().c_str(), verdict);
         if (st)
@@ -104,27 +160,29 @@ void measureMember(const ExportInfo& e, int perRange) {
         else
             std::printf("\t");
         if (st)
-            std::printf("%.3g\t%ld\t%ld\t%ld\t", st->minBits, st->count, st->inexact, st->classMismatches);
+            std::printf("%.3g\t%ld\t%ld\t%ld\t%ld\t", st->minBits, st->count, planned, st->inexact,
+                        st->classMismatches);
         else
-            std::printf("\t\t\t\t");
+            std::printf("\t\t\t\t\t");
         std::printf("%s\n", oneField(worst).c_str());
         std::fflush(stdout);
     };
-    if (!record) return line("no-record", nullptr, "no ORV_ACCURACY record next to the code");
-    if (!referenceFor(e)) return line("no-reference", nullptr, "no MPFR reference for family " + e.family);
+    if (!record) return line("no-record", nullptr, 0, "no ORV_ACCURACY record next to the code");
+    if (!referenceFor(e)) return line("no-reference", nullptr, 0, "no MPFR reference for family " + e.family);
 
     // The accuracy test's samples, fewer of them: the same seeds.
-    std::vector<Sample> samples = specialSamples(e);
+    std::vector<std::vector<Sample>> sources = {specialSamples(e)};
     uint64_t seed = std::hash<std::string>{}(e.name);
-    for (const Range& r : record->ranges) {
-        auto part = sampleRange(e, r, perRange, seed++);
-        samples.insert(samples.end(), part.begin(), part.end());
-    }
-    for (const PeerCase& c : peerVectors(e).cases) samples.push_back(c.sample);
-    const ErrorStats st = measureErrors(e, samples, runMember(e, samples));
+    for (const Range& r : record->ranges) sources.push_back(sampleRange(e, r, perRange, seed++));
+    sources.emplace_back();
+    for (const PeerCase& c : peerVectors(e).cases) sources.back().push_back(c.sample);
+    long planned = 0;
+    for (const auto& s : sources) planned += long(s.size());
+
+    const ErrorStats st = measureWithinBudget(e, sources, budget);
     const bool tier = withinTier(e, st);
     const char* verdict = !tier ? "FAIL" : st.maxUlp > record->maxUlp ? "above-record" : "pass";
-    line(verdict, &st, st.worst);
+    line(verdict, &st, planned, st.worst);
 }
 
 int errorsAcrossDomain(const Options& o) {
@@ -148,12 +206,18 @@ int errorsAcrossDomain(const Options& o) {
     uint64_t seed = std::hash<std::string>{}(e->name) ^ 0x9e3779b97f4a7c15ull;
     for (size_t r = 0; r < record->ranges.size(); ++r) {
         const std::vector<Sample> samples = sampleRange(*e, record->ranges[r], o.points, seed++);
-        const std::vector<SampleError> errors = sampleErrors(*e, samples, runMember(*e, samples));
-        for (size_t i = 0; i < samples.size(); ++i) {
-            std::printf("%zu", r);
-            for (int c = 0; c < e->inputComponents(); ++c) std::printf("\t%.17g", samples[i].in[c]);
-            std::printf("\t%.6g\t%.4g\n", errors[i].ulp, errors[i].bits);
+        const Clock::time_point start = Clock::now();
+        for (size_t first = 0; first < samples.size() && secondsSince(start) <= o.budget; first += kChunk) {
+            const std::vector<Sample> chunk(samples.begin() + first,
+                                            samples.begin() + std::min(samples.size(), first + kChunk));
+            const std::vector<SampleError> errors = sampleErrors(*e, chunk, runMember(*e, chunk));
+            for (size_t i = 0; i < chunk.size(); ++i) {
+                std::printf("%zu", r);
+                for (int c = 0; c < e->inputComponents(); ++c) std::printf("\t%.17g", chunk[i].in[c]);
+                std::printf("\t%.6g\t%.4g\n", errors[i].ulp, errors[i].bits);
+            }
         }
+        std::fflush(stdout);
     }
     return 0;
 }
@@ -179,9 +243,13 @@ int main(int argc, char** argv) {
         if (index++ % o.shards == o.shard) mine.push_back(e);
     }
     std::printf("# members %zu\n", mine.size());
-    std::printf("member\tfamily\ttype\ttier\tbound\tverdict\tmax_ulp\trecorded_ulp\tmin_bits\tsamples\tinexact\t"
-                "class_mismatches\tworst\n");
+    std::printf("member\tfamily\ttype\ttier\tbound\tverdict\tmax_ulp\trecorded_ulp\tmin_bits\tsamples\tplanned\t"
+                "inexact\tclass_mismatches\tworst\n");
     std::fflush(stdout);
-    for (const ExportInfo* e : mine) measureMember(*e, o.samples);
+    for (size_t i = size_t(o.skip); i < mine.size(); ++i) {
+        std::printf("# start %s\n", mine[i]->name.c_str());
+        std::fflush(stdout);
+        measureMember(*mine[i], o.samples, o.budget);
+    }
     return 0;
 }
