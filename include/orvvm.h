@@ -109,6 +109,141 @@ ORVVM_API OrvStatus orvsAbs_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len)
 ORVVM_API OrvStatus orvsConj_32fc_A24(const Orv32fc* src, Orv32fc* dst, int32_t len);
 ORVVM_API OrvStatus orvsConj_64fc_A53(const Orv64fc* src, Orv64fc* dst, int32_t len);
 
+/* ---- Exponential (real) -----------------------------------------------
+ * Exp: dst[i] = e^src[i].  Shape U.  Arguments checked dst, src, then len;
+ * results do not depend on the caller's rounding or flush modes (a caller's
+ * flush-to-zero still gets subnormal results).
+ * Warnings: orvStatusOverflow for a finite argument whose result overflows
+ * (at or above 88.72283935546875 for 32f, 709.7827128933841 for 64f; the
+ * result is +inf), orvStatusUnderflow for a result below the smallest
+ * normal number, subnormal or +0.  A24 returns +0 from -103.27893829345703
+ * down, where e^x is just below the smallest subnormal; A21 from
+ * -103.97208404541016 down.
+ * +inf gives +inf and -inf gives +0, with no warning.  A NaN gives no
+ * warning: A11 returns it unchanged (a signalling NaN stays signalling),
+ * A21, A24, A26 and A50 return it made quiet, A53 returns the pattern with
+ * all 64 bits set, whatever the NaN. */
+ORVVM_API OrvStatus orvsExp_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
+/* ---- Roots and norms ---------------------------------------------------
+ * Square root, reciprocal square root, hypotenuse and complex magnitude,
+ * by multiplications on the processor's 12-bit reciprocal square root
+ * estimate.  Round to nearest inside the call whatever the caller's
+ * MXCSR.  The A11 members of Sqrt and InvSqrt for 32f are that estimate
+ * itself, and the A21 members and the low bits of others follow it: their
+ * results may differ between processor makers. */
+
+/* Sqrt (real): dst[i] = sqrt(src[i]).  Shape U.  -0 gives -0; a negative
+   argument gives a NaN and orvStatusDomain. */
+ORVVM_API OrvStatus orvsSqrt_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
+/* InvSqrt: dst[i] = 1 / sqrt(src[i]).  Shape U.  +-0 gives +-infinity and
+   orvStatusSingularity; a negative argument gives a NaN and
+   orvStatusDomain.  In orvsInvSqrt_32f_A24 a block of 8 elements that
+   holds a zero, a negative or a denormal element is computed as a whole
+   by a slower route, and when it holds both a zero and a negative element
+   it returns orvStatusDomain whichever comes last.  orvsInvSqrt_64f_A26
+   and orvsInvSqrt_64f_A50 give equal results. */
+ORVVM_API OrvStatus orvsInvSqrt_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInvSqrt_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInvSqrt_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInvSqrt_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInvSqrt_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInvSqrt_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
+/* Hypot: dst[i] = sqrt(src1[i]^2 + src2[i]^2) without intermediate
+   overflow or underflow.  Shape B.  An infinite operand gives +infinity
+   even beside a NaN.  All tiers of a type give equal results.  Always
+   orvStatusOk after the argument checks. */
+ORVVM_API OrvStatus orvsHypot_32f_A11(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsHypot_32f_A21(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsHypot_32f_A24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsHypot_64f_A26(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsHypot_64f_A50(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsHypot_64f_A53(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+
+/* Abs (complex): dst[i] = |src[i]| = sqrt(re^2 + im^2), the same
+   computation as Hypot of re and im.  Shape M: complex source, real
+   destination.  All tiers of a type give equal results.  Always
+   orvStatusOk after the argument checks. */
+ORVVM_API OrvStatus orvsAbs_32fc_A11(const Orv32fc* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAbs_32fc_A21(const Orv32fc* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAbs_32fc_A24(const Orv32fc* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAbs_64fc_A26(const Orv64fc* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAbs_64fc_A50(const Orv64fc* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAbs_64fc_A53(const Orv64fc* src, Orv64f* dst, int32_t len);
+
+/* ---- Logarithms ---------------------------------------------------------
+ * Ln: dst[i] = ln(src[i]).  Log10: dst[i] = log10(src[i]).  Shape U.
+ * Zero (either sign) gives -inf and orvStatusSingularity; a negative
+ * argument, -inf included, gives a NaN and orvStatusDomain; the call
+ * returns the warning of the last element that warned.  +inf gives +inf; a
+ * NaN gives a NaN (made quiet in the A11 and A21 tiers, kept bit for bit in
+ * the others).  The NaN for a negative argument is 0xFFC00000 for 32f,
+ * except 0x7FFC0000 from orvsLn_32f_A24, and 0xFFF8000000000000 for 64f.
+ * A denormal argument never warns.
+ * The 64f A26 members check len first, then the pointers, and run in the
+ * caller's MXCSR rounding and denormal modes (their x87 precision is set to
+ * 53 bits for the call); the other members check dst, src, then len, and
+ * run in round to nearest with denormals honoured whatever the caller set.
+ * orvsLn_64f_A50 and orvsLn_64f_A53 are one routine, and so are
+ * orvsLog10_64f_A50 and orvsLog10_64f_A53. */
+ORVVM_API OrvStatus orvsLn_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLn_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLn_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLn_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLn_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLn_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
+/* ---- Division and reciprocal -------------------------------------------
+ * Real members.  The lower tiers avoid the hardware division: A11 uses the
+ * processor's approximate reciprocal (rcpps, about 12 bits) and A21 adds
+ * one Newton step to it, so the bits of their results depend on the
+ * processor; A26 and A50 share one division among four or eight elements.
+ * A24 and A53 divide outright.  The only warning is orvStatusSingularity
+ * (a zero divisor), whose condition depends on the member; results of a
+ * zero divisor are those of IEEE division. */
+
+/* Div (real): dst[i] = src1[i] / src2[i].  Shape B.  Warns for a zero
+   divisor: in the 32f members when the numerator is not NaN, in
+   orvsDiv_64f_A26/A50 always, in orvsDiv_64f_A53 when the numerator is
+   finite (that member also raises the divide-by-zero flag, and under the
+   caller's denormals-are-zero reads denormal operands as zero).
+   orvsDiv_64f_A26 and orvsDiv_64f_A50 are one function. */
+ORVVM_API OrvStatus orvsDiv_32f_A11(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsDiv_32f_A21(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsDiv_32f_A24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsDiv_64f_A26(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsDiv_64f_A50(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsDiv_64f_A53(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+
+/* Inv: dst[i] = 1 / src[i].  Shape U.  Warns for src[i] = +-0 in every
+   member; orvsInv_64f_A53 also raises the divide-by-zero flag and, under
+   the caller's denormals-are-zero, reads a denormal as zero.
+   orvsInv_64f_A26 and orvsInv_64f_A50 give equal results. */
+ORVVM_API OrvStatus orvsInv_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInv_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInv_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInv_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInv_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInv_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
 #ifdef __cplusplus
 }
 #endif

@@ -13,6 +13,13 @@
 // one pair for a real unary member, two for a binary one or a complex
 // argument, four for a binary complex one.
 //
+// ORV_EXCLUDE(x...) in place of a range names one input (a value per
+// component), and ORV_EXCLUDE_MAGNITUDES(lo, hi, ...) a box of magnitudes
+// (|x| in [lo, hi) per component), where the member's arithmetic, as
+// designed, falls outside its tier; the measurement leaves them out, and
+// the family's tests pin what the member does there.  Each one is explained
+// next to the record.
+//
 // The build collects these lines for the tests, the report and the
 // benchmarks; in the library they only check that the member exists, so
 // they cost nothing.

@@ -18,6 +18,13 @@
 //   }
 //
 // with the pointers listed in argument order whatever the frame.
+//
+// The guard's register accesses are memory barriers, so nothing read from
+// the arrays is read before the guard is in place and nothing is stored
+// after it has gone.  But arithmetic on values that never pass through
+// memory (a by-value constant argument, or a product of two literals made
+// for its rounding or its flags) may still be moved across them by the
+// compiler: such operands go through opaque() inside the body.
 #pragma once
 
 #include <initializer_list>

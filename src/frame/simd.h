@@ -115,12 +115,26 @@ inline F64x2 unpackHi(F64x2 a, F64x2 b) { return {_mm_unpackhi_pd(a.v, b.v)}; }
 // or two doubles rounded to the two low floats (the high two become zero).
 inline F64x2 widenLow(F32x4 a) { return {_mm_cvtps_pd(a.v)}; }
 inline F32x4 narrow(F64x2 a) { return {_mm_cvtpd_ps(a.v)}; }
+// The two high floats widened exactly; and four doubles rounded to four
+// floats, lo's lanes first.
+inline F64x2 widenHigh(F32x4 a) { return {_mm_cvtps_pd(_mm_movehl_ps(a.v, a.v))}; }
+inline F32x4 narrow(F64x2 lo, F64x2 hi) {
+    return {_mm_movelh_ps(_mm_cvtpd_ps(lo.v), _mm_cvtpd_ps(hi.v))};
+}
 
 // ---- I32x4 ---------------------------------------------------------------
 inline I32x4 loadI(const void* p) { return {_mm_loadu_si128(static_cast<const __m128i*>(p))}; }
 inline void storeI(void* p, I32x4 a) { _mm_storeu_si128(static_cast<__m128i*>(p), a.v); }
 inline I32x4 splat32(uint32_t x) { return {_mm_set1_epi32(int(x))}; }
 inline I32x4 splat64(uint64_t x) { return {_mm_set1_epi64x(int64_t(x))}; }
+// Lanes in memory order, lane 0 first: four 32-bit or two 64-bit integers
+// (table entries gathered by scalar index).
+inline I32x4 setLanes32(uint32_t a0, uint32_t a1, uint32_t a2, uint32_t a3) {
+    return {_mm_setr_epi32(int(a0), int(a1), int(a2), int(a3))};
+}
+inline I32x4 setLanes64(uint64_t a0, uint64_t a1) {
+    return {_mm_set_epi64x(int64_t(a1), int64_t(a0))};
+}
 
 inline I32x4 operator&(I32x4 a, I32x4 b) { return {_mm_and_si128(a.v, b.v)}; }
 inline I32x4 operator|(I32x4 a, I32x4 b) { return {_mm_or_si128(a.v, b.v)}; }
@@ -151,6 +165,7 @@ inline I32x4 select(I32x4 m, I32x4 a, I32x4 b) { return (a & m) | andNot(b, m); 
 
 inline uint32_t lane0(I32x4 a) { return uint32_t(_mm_cvtsi128_si32(a.v)); }
 inline uint64_t lane0of64(I32x4 a) { return uint64_t(_mm_cvtsi128_si64(a.v)); }
+inline uint64_t lane1of64(I32x4 a) { return uint64_t(_mm_cvtsi128_si64(_mm_unpackhi_epi64(a.v, a.v))); }
 
 // ---- Raw-bit views -------------------------------------------------------
 inline I32x4 bitsOf(F32x4 a) { return {_mm_castps_si128(a.v)}; }

@@ -72,22 +72,16 @@ int componentsPerValue(const ExportInfo& e) { return e.isComplex() && e.shape !=
 void runBatch(const ExportInfo& e, const Sample* s, int n, double* out) {
     const bool is64 = e.is64();
     const size_t rs = e.realSize();
-    const int cv = componentsPerValue(e);
-    std::vector<unsigned char> src1(n * e.srcElemSize() + 16), src2(n * e.srcElemSize() + 16);
+    const std::vector<Sample> samples(s, s + n);
+    std::vector<unsigned char> src1 = sourceBytes(e, samples, 0), src2 = sourceBytes(e, samples, 1);
     std::vector<unsigned char> dst1(n * e.dstElemSize() + 16), dst2(n * e.dstElemSize() + 16);
-    for (int i = 0; i < n; ++i)
-        for (int c = 0; c < cv; ++c) {
-            putReal(&src1[(i * cv + c) * rs], s[i].in[c], is64);
-            if (e.shape == Shape::B) putReal(&src2[(i * cv + c) * rs], s[i].in[cv + c], is64);
-        }
     CallArgs a;
     a.src1 = src1.data();
     a.src2 = src2.data();
     a.dst1 = dst1.data();
     a.dst2 = dst2.data();
     a.len = n;
-    if (e.shape == Shape::K)
-        for (int c = 0; c < cv; ++c) putReal(a.constant + c * rs, s[0].in[cv + c], is64);
+    setConstant(e, samples, a);
     invoke(e, a);
     const int oc = e.outputComponents();
     for (int i = 0; i < n; ++i)
@@ -232,7 +226,7 @@ std::string familyFile(const ExportInfo& e) {
                   {"Hypot", "hypot"}, {"Cbrt", "cbrt"},    {"Expm1", "expm1"}, {"Log1p", "log1p"},
                   {"Sqrt", "sqrt"}};
     for (const auto& n : kNames)
-        if (e.family == n.family) return (e.isComplex() ? "c" : "") + std::string(n.file);
+        if (e.family == n.family && (e.isComplex() || e.family != "Sqrt")) return (e.isComplex() ? "c" : "") + std::string(n.file);
     return "";
 }
 
@@ -259,6 +253,21 @@ bool parseHex(const std::string& text, bool is64, double* values, int count) {
 }
 
 }  // namespace
+
+std::vector<unsigned char> sourceBytes(const ExportInfo& e, const std::vector<Sample>& s, int k) {
+    const int cv = componentsPerValue(e);
+    std::vector<unsigned char> b(s.size() * e.srcElemSize());
+    if (k >= e.sourceCount()) return b;
+    for (size_t i = 0; i < s.size(); ++i)
+        for (int c = 0; c < cv; ++c) putReal(&b[(i * cv + c) * e.realSize()], s[i].in[k * cv + c], e.is64());
+    return b;
+}
+
+void setConstant(const ExportInfo& e, const std::vector<Sample>& s, CallArgs& a) {
+    if (e.shape != Shape::K || s.empty()) return;
+    const int cv = componentsPerValue(e);
+    for (int c = 0; c < cv; ++c) putReal(a.constant + c * e.realSize(), s[0].in[cv + c], e.is64());
+}
 
 void ErrorStats::merge(const ErrorStats& o) {
     if (o.maxUlp > maxUlp || (o.classMismatches && !classMismatches)) worst = o.worst;

@@ -41,6 +41,12 @@ struct PeerVectors {
 };
 PeerVectors peerVectors(const ExportInfo& e);
 
+// The bytes of source array k (0 or 1) of a call on the samples (empty
+// values for a source the shape lacks), and the K shape's constant, taken
+// from the first sample.
+std::vector<unsigned char> sourceBytes(const ExportInfo& e, const std::vector<Sample>& s, int k);
+void setConstant(const ExportInfo& e, const std::vector<Sample>& s, CallArgs& a);
+
 // Calls the member on the samples (as few calls as the shape allows, so
 // blocks, rejected blocks and tails are all exercised) and returns the
 // results, outputComponents() per sample.

@@ -1,5 +1,6 @@
 #include "records.h"
 
+#include <cmath>
 #include <cstdio>
 #include <stdexcept>
 
@@ -7,19 +8,25 @@ namespace orvtest {
 namespace {
 
 std::vector<AccuracyRecord> load() {
-#define ORV_RANGE(...) Range{{__VA_ARGS__}}
+#define ORV_RANGE(...) Range{{__VA_ARGS__}, Range::Sampled}
+#define ORV_EXCLUDE(...) Range{{__VA_ARGS__}, Range::ExcludedPoint}
+#define ORV_EXCLUDE_MAGNITUDES(...) Range{{__VA_ARGS__}, Range::ExcludedMagnitudes}
 #define ORV_ACCURACY(member, maxUlp, ...) AccuracyRecord{#member, double(maxUlp), {__VA_ARGS__}},
     std::vector<AccuracyRecord> records = {
 #include "accuracy_records.inc"
     };
 #undef ORV_ACCURACY
 #undef ORV_RANGE
+#undef ORV_EXCLUDE
+#undef ORV_EXCLUDE_MAGNITUDES
     for (const AccuracyRecord& r : records) {
         const ExportInfo* e = findExport(r.member);
         if (!e) throw std::runtime_error("accuracy record of an unknown export " + r.member);
         for (const Range& range : r.ranges)
-            if (range.components() != e->inputComponents() || range.bounds.size() % 2)
+            if (range.components() != e->inputComponents() || (range.kind != Range::ExcludedPoint && range.bounds.size() % 2))
                 throw std::runtime_error("range of " + r.member + " has the wrong number of bounds");
+        if (r.ranges.empty() || r.ranges[0].excluded())
+            throw std::runtime_error("the first range of " + r.member + " must be its ordinary range");
     }
     return records;
 }
@@ -36,6 +43,16 @@ bool isExactFamily(const ExportInfo& e) {
 }
 
 }  // namespace
+
+bool Range::contains(const double* x) const {
+    for (int c = 0; c < components(); ++c) {
+        if (kind == ExcludedPoint && !(x[c] == bounds[c])) return false;
+        // An infinite upper bound takes infinity in.
+        const double m = std::fabs(x[c]);
+        if (kind != ExcludedPoint && !(m >= lo(c) && (m < hi(c) || std::isinf(hi(c))))) return false;
+    }
+    return true;
+}
 
 const std::vector<AccuracyRecord>& accuracyRecords() {
     static const std::vector<AccuracyRecord> records = load();

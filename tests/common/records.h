@@ -11,9 +11,17 @@
 namespace orvtest {
 
 // A box of inputs: a low and a high bound for each real input component.
+// An exclusion names inputs that the member's arithmetic, as designed,
+// takes outside its tier: one input (a value per component), or a box of
+// magnitudes (|x| in [lo, hi) for each component).  The measurement leaves
+// them out, and the family's own tests pin what the member does there.
 struct Range {
+    enum Kind { Sampled, ExcludedPoint, ExcludedMagnitudes };
     std::vector<double> bounds;
-    int components() const { return int(bounds.size() / 2); }
+    Kind kind = Sampled;
+    bool excluded() const { return kind != Sampled; }
+    int components() const { return int(kind == ExcludedPoint ? bounds.size() : bounds.size() / 2); }
+    bool contains(const double* x) const;  // for exclusions
     double lo(int c) const { return bounds[2 * c]; }
     double hi(int c) const { return bounds[2 * c + 1]; }
 };

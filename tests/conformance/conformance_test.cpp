@@ -58,30 +58,7 @@ std::vector<Sample> mixedInputs(const ExportInfo& e, int count, uint64_t seed) {
     return out;
 }
 
-void putReal(unsigned char* p, double v, bool is64) {
-    if (is64)
-        std::memcpy(p, &v, 8);
-    else {
-        float f = float(v);
-        std::memcpy(p, &f, 4);
-    }
-}
-
 using Bytes = std::vector<unsigned char>;
-
-// The bytes of source array k (0 or 1) for the samples, and the constant.
-Bytes sourceBytes(const ExportInfo& e, const std::vector<Sample>& s, int k) {
-    const int cv = e.isComplex() && e.shape != Shape::P ? 2 : 1;
-    Bytes b(s.size() * e.srcElemSize());
-    for (size_t i = 0; i < s.size(); ++i)
-        for (int c = 0; c < cv; ++c) putReal(&b[(i * cv + c) * e.realSize()], s[i].in[k * cv + c], e.is64());
-    return b;
-}
-void setConstant(const ExportInfo& e, const std::vector<Sample>& s, CallArgs& a) {
-    if (e.shape != Shape::K) return;
-    const int cv = e.isComplex() ? 2 : 1;
-    for (int c = 0; c < cv; ++c) putReal(a.constant + c * e.realSize(), s[0].in[cv + c], e.is64());
-}
 
 // What a call produced: its status and the bytes of its destinations.
 struct Outcome {
@@ -134,6 +111,32 @@ struct Arrays {
 Outcome runPlain(const ExportInfo& e, const std::vector<Sample>& s) {
     Arrays a(e, s.size());
     return runAt(e, s, a.src, a.dst);
+}
+
+// The call alone runs in the given caller state: the arrays are filled and
+// read outside it, so the test's own conversions follow the defaults.
+Outcome runInState(const ExportInfo& e, const std::vector<Sample>& s, uint32_t mxcsr, uint16_t x87,
+                   uint32_t* mxcsrAfter = nullptr, uint16_t* x87After = nullptr) {
+    Arrays arr(e, s.size());
+    Outcome o = runAt(e, s, arr.src, arr.dst);  // fills the sources
+    CallArgs a;
+    a.src1 = arr.src[0];
+    a.src2 = arr.src[1];
+    a.dst1 = arr.dst[0];
+    a.dst2 = arr.dst[1];
+    a.len = int32_t(s.size());
+    setConstant(e, s, a);
+    const size_t dbytes = s.size() * e.dstElemSize();
+    for (int k = 0; k < e.destinationCount(); ++k) std::memset(arr.dst[k], 0xA5, dbytes);
+    {
+        FpEnvScope scope(mxcsr, x87);
+        o.status = invoke(e, a);
+        if (mxcsrAfter) *mxcsrAfter = readMxcsr();
+        if (x87After) *x87After = readX87();
+    }
+    o.dst1.assign(arr.dst[0], arr.dst[0] + dbytes);
+    if (e.destinationCount() == 2) o.dst2.assign(arr.dst[1], arr.dst[1] + dbytes);
+    return o;
 }
 
 class Conformance : public ::testing::TestWithParam<std::string> {
@@ -225,16 +228,10 @@ bool mxcsrGuardWrites(MxcsrGuard g, uint32_t mxcsr) {
 TEST_P(Conformance, RestoresMxcsrAndX87ControlWord) {
     const ExportInfo& e = member();
     auto s = mixedInputs(e, 37, 2);
-    Arrays arr(e, s.size());
     for (const CallerState& state : kCallerStates) {
         uint32_t mxcsrAfter;
         uint16_t x87After;
-        {
-            FpEnvScope scope(state.mxcsr, state.x87);
-            runAt(e, s, arr.src, arr.dst);
-            mxcsrAfter = readMxcsr();
-            x87After = readX87();
-        }
+        runInState(e, s, state.mxcsr, state.x87, &mxcsrAfter, &x87After);
         EXPECT_EQ(x87After, state.x87);
         EXPECT_EQ(mxcsrAfter & ~kMxcsrFlags, state.mxcsr) << std::hex << "MXCSR was 0x" << state.mxcsr;
         // Where the guard rewrote MXCSR, leaving restores the value of entry,
@@ -259,8 +256,7 @@ TEST_P(GuardedConformance, ResultsIgnoreCallerState) {
             if (e.mxcsrGuard == MxcsrGuard::NearestKeepDaz) mxcsr &= ~kMxcsrDaz;
         }
         uint16_t x87 = e.x87Guard != X87Guard::None ? state.x87 : kX87Default;
-        FpEnvScope scope(mxcsr, x87);
-        EXPECT_TRUE(runPlain(e, s) == want) << std::hex << "MXCSR 0x" << mxcsr << ", x87 0x" << x87;
+        EXPECT_TRUE(runInState(e, s, mxcsr, x87) == want) << std::hex << "MXCSR 0x" << mxcsr << ", x87 0x" << x87;
     }
 }
 
