@@ -12,18 +12,6 @@ namespace {
 
 using orvtest::Shape;
 
-// Real components per argument value: two for complex values.
-int componentsPerValue(const ExportInfo& e) { return e.isComplex() && e.shape != Shape::P ? 2 : 1; }
-
-void putReal(unsigned char* p, double v, bool is64) {
-    if (is64) {
-        std::memcpy(p, &v, 8);
-    } else {
-        const float f = float(v);
-        std::memcpy(p, &f, 4);
-    }
-}
-
 double getReal(const unsigned char* p, bool is64) {
     if (is64) {
         double v;
@@ -54,32 +42,26 @@ Workload::Workload(const ExportInfo& e, const std::vector<Sample>& samples) : e_
 void Workload::layOut(const std::vector<Sample>& tile, int32_t len) {
     if (tile.empty() || len <= 0) throw std::invalid_argument("a workload needs samples");
     const ExportInfo& e = *e_;
-    const bool is64 = e.is64();
-    const size_t rs = e.realSize();
-    const int cv = componentsPerValue(e);
     const size_t srcBytes = size_t(len) * e.srcElemSize(), dstBytes = size_t(len) * e.dstElemSize();
     src1_ = allocate(srcBytes);
     if (e.shape == Shape::B) src2_ = allocate(srcBytes);
     dst1_ = allocate(dstBytes);
     if (e.shape == Shape::S) dst2_ = allocate(dstBytes);
 
-    // The first tile element by element, then copies of it.
+    // The first tile in the harness's encoding, then copies of it.
     const int32_t period = std::min<int32_t>(len, int32_t(tile.size()));
-    for (int32_t i = 0; i < period; ++i)
-        for (int c = 0; c < cv; ++c) {
-            putReal(&src1_[(size_t(i) * cv + c) * rs], tile[i].in[c], is64);
-            if (src2_) putReal(&src2_[(size_t(i) * cv + c) * rs], tile[i].in[cv + c], is64);
-        }
+    const std::vector<Sample> first(tile.begin(), tile.begin() + period);
     const size_t periodBytes = size_t(period) * e.srcElemSize();
-    for (size_t done = periodBytes; done < srcBytes; done += periodBytes) {
-        const size_t n = std::min(periodBytes, srcBytes - done);
-        std::memcpy(&src1_[done], &src1_[0], n);
-        if (src2_) std::memcpy(&src2_[done], &src2_[0], n);
+    for (int k = 0; k < e.sourceCount(); ++k) {
+        unsigned char* dst = (k == 0 ? src1_ : src2_).get();
+        const std::vector<unsigned char> bytes = orvtest::sourceBytes(e, first, k);
+        for (size_t done = 0; done < srcBytes; done += periodBytes)
+            std::memcpy(dst + done, bytes.data(), std::min(periodBytes, srcBytes - done));
     }
     // The K shape's constant is one value per call: the first sample's.
-    if (e.shape == Shape::K)
-        for (int c = 0; c < cv; ++c) putReal(constant_ + c * rs, tile[0].in[cv + c], is64);
-
+    orvtest::CallArgs args;
+    orvtest::setConstant(e, first, args);
+    std::memcpy(constant_, args.constant, sizeof constant_);
     len_ = len;
 }
 

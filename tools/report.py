@@ -97,7 +97,7 @@ class Progress:
             cols = shutil.get_terminal_size((100, 20)).columns
             sys.stderr.write(line[:cols - 1].ljust(cols - 1))
             sys.stderr.flush()
-        else:
+        elif self.total:
             tenth = int(frac * 10)
             if tenth != self.last_tenth:
                 self.last_tenth = tenth
@@ -498,8 +498,10 @@ def plot_errors(err, path):
         ax.legend(loc="upper right", fontsize=8)
     inputs = int(info.get("inputs", "1"))
     axes[-1, 0].set_xlabel("input" if inputs == 1 else "first input component (the others sampled alongside)")
-    fig.suptitle(f"{info.get('member', '?')}: error against MPFR across its recorded ranges", fontsize=11)
-    fig.tight_layout()
+    height = 3.1 * n + 0.6
+    fig.suptitle(f"{info.get('member', '?')}: error against MPFR across its recorded ranges", fontsize=11,
+                 y=1 - 0.1 / height, va="top")
+    fig.tight_layout(rect=(0, 0, 1, 1 - 0.45 / height))
     fig.savefig(path, dpi=100)
     plt.close(fig)
 

@@ -1,8 +1,9 @@
 // orvvm_accuracy: the accuracy half of the report.  For every member the
 // library has (or those matching --members), measured through the accuracy
 // harness against MPFR/MPC on the special values, --samples inputs from
-// each range of its record and glibc's hard cases when present, one TSV
-// line as soon as the member is done:
+// each range of its record and glibc's hard cases when present (less the
+// inputs its record excludes, as in the accuracy test), one TSV line as
+// soon as the member is done:
 //
 //   member family type tier bound verdict max_ulp recorded_ulp min_bits
 //   samples planned inexact class_mismatches worst
@@ -24,17 +25,17 @@
 //
 // --errors MEMBER [--points N]: the error of each of N inputs (or as many
 // as --budget seconds per range allow) from each range of the member's
-// record, for the plot of its error across its
+// record, less the inputs it excludes, for the plot of its error across its
 // domain: lines "range in0 [in1 ...] ulp bits", after "# range" lines
 // giving each range's bounds.
 //
 // --build-info: the compiler and flags of this build, for the report.
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <algorithm>
 #include <functional>
 #include <optional>
 #include <regex>
@@ -108,6 +109,22 @@ std::string oneField(std::string s) {
     return s;
 }
 
+// Inputs that the record leaves out of the measurement (where the member's
+// arithmetic, as designed, falls outside its tier; its tests pin them).
+bool isExcluded(const AccuracyRecord& r, const Sample& s) {
+    for (const Range& x : r.ranges)
+        if (x.excluded() && x.contains(s.in)) return true;
+    return false;
+}
+
+// The ranges that are sampled, the ordinary one first.
+std::vector<const Range*> sampledRanges(const AccuracyRecord& r) {
+    std::vector<const Range*> out;
+    for (const Range& x : r.ranges)
+        if (!x.excluded()) out.push_back(&x);
+    return out;
+}
+
 using Clock = std::chrono::steady_clock;
 
 double secondsSince(Clock::time_point start) {
@@ -170,14 +187,19 @@ void measureMember(const ExportInfo& e, int perRange, double budget) {
     if (!record) return line("no-record", nullptr, 0, "no ORV_ACCURACY record next to the code");
     if (!referenceFor(e)) return line("no-reference", nullptr, 0, "no MPFR reference for family " + e.family);
 
-    // The accuracy test's samples, fewer of them: the same seeds.
+    // The accuracy test's samples, fewer of them: the same seeds, and the
+    // same inputs left out where the record excludes them.
     std::vector<std::vector<Sample>> sources = {specialSamples(e)};
     uint64_t seed = std::hash<std::string>{}(e.name);
-    for (const Range& r : record->ranges) sources.push_back(sampleRange(e, r, perRange, seed++));
+    for (const Range& r : record->ranges)
+        if (!r.excluded()) sources.push_back(sampleRange(e, r, perRange, seed++));
     sources.emplace_back();
     for (const PeerCase& c : peerVectors(e).cases) sources.back().push_back(c.sample);
     long planned = 0;
-    for (const auto& s : sources) planned += long(s.size());
+    for (auto& s : sources) {
+        std::erase_if(s, [&](const Sample& x) { return isExcluded(*record, x); });
+        planned += long(s.size());
+    }
 
     const ErrorStats st = measureWithinBudget(e, sources, budget);
     const bool tier = withinTier(e, st);
@@ -198,14 +220,16 @@ int errorsAcrossDomain(const Options& o) {
     }
     std::printf("# member %s tier %s bound %s recorded %g inputs %d\n", e->name.c_str(), e->tier.c_str(),
                 tierBound(*e).describe().c_str(), record->maxUlp, e->inputComponents());
-    for (size_t r = 0; r < record->ranges.size(); ++r) {
+    const std::vector<const Range*> ranges = sampledRanges(*record);
+    for (size_t r = 0; r < ranges.size(); ++r) {
         std::printf("# range %zu", r);
-        for (double b : record->ranges[r].bounds) std::printf(" %.17g", b);
+        for (double b : ranges[r]->bounds) std::printf(" %.17g", b);
         std::printf("\n");
     }
     uint64_t seed = std::hash<std::string>{}(e->name) ^ 0x9e3779b97f4a7c15ull;
-    for (size_t r = 0; r < record->ranges.size(); ++r) {
-        const std::vector<Sample> samples = sampleRange(*e, record->ranges[r], o.points, seed++);
+    for (size_t r = 0; r < ranges.size(); ++r) {
+        std::vector<Sample> samples = sampleRange(*e, *ranges[r], o.points, seed++);
+        std::erase_if(samples, [&](const Sample& x) { return isExcluded(*record, x); });
         const Clock::time_point start = Clock::now();
         for (size_t first = 0; first < samples.size() && secondsSince(start) <= o.budget; first += kChunk) {
             const std::vector<Sample> chunk(samples.begin() + first,
