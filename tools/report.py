@@ -494,6 +494,11 @@ def plot_errors(err, path):
         ax.set_title(("ordinary range " if r == 0 else f"range {r + 1} ") + bounds, fontsize=9)
         ax.set_ylabel("error (ulp)")
         ax.set_ylim(bottom=0)
+        # Errors far beyond the bound (a failing member) on a log scale, so
+        # that the small ones stay visible.
+        limit = max(bound_ulp or 0, recorded or 0, 1.0)
+        if finite and max(f[1] for f in finite) > 20 * limit:
+            ax.set_yscale("symlog", linthresh=1.0)
         ax.grid(True, alpha=0.3)
         ax.legend(loc="upper right", fontsize=8)
     inputs = int(info.get("inputs", "1"))
