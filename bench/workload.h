@@ -26,7 +26,8 @@ public:
     Workload(const ExportInfo& e, const std::vector<Sample>& samples);
 
     // len elements from `range`: at most kDistinct samples drawn with the
-    // harness's sampler and repeated to fill the arrays (drawing a million
+    // harness's sampler (its samples uniform in value) and repeated to fill
+    // the arrays (drawing a million
     // MPFR-free samples would cost more than timing them; the repetition
     // period is far beyond anything a branch predictor learns).  A
     // `specialFraction` of the drawn elements, at random places, is
