@@ -435,6 +435,38 @@ ErrorStats measureErrors(const ExportInfo& e, const std::vector<Sample>& samples
     return st;
 }
 
+std::vector<SampleError> sampleErrors(const ExportInfo& e, const std::vector<Sample>& samples,
+                                      const std::vector<double>& results) {
+    std::vector<SampleError> out(samples.size());
+    ReferenceEvaluator ref(e);
+    if (!ref.valid()) return out;
+    const int oc = e.outputComponents();
+    for (size_t i = 0; i < samples.size(); ++i) {
+        ref.evaluate(samples[i]);
+        out[i].bits = std::numeric_limits<double>::infinity();
+        for (int c = 0; c < oc; ++c) {
+            ComponentError err = errorOf(results[i * oc + c], ref.result(c), e.is64());
+            out[i].ulp = std::max(out[i].ulp, err.ulp);
+            out[i].bits = std::min(out[i].bits, err.bits);
+        }
+    }
+    return out;
+}
+
+bool withinTier(const ExportInfo& e, const ErrorStats& stats) {
+    if (stats.classMismatches != 0) return false;
+    const TierBound bound = tierBound(e);
+    switch (bound.kind) {
+        case TierBound::Exact:
+            return stats.inexact == 0;
+        case TierBound::UlpBelow:
+            return stats.maxUlp < bound.value;
+        case TierBound::BitsAtLeast:
+            return stats.minBits >= bound.value;
+    }
+    return false;
+}
+
 std::vector<double> correctlyRounded(const ExportInfo& e, const std::vector<Sample>& samples) {
     ReferenceEvaluator ref(e);
     const int oc = e.outputComponents();

@@ -67,6 +67,22 @@ struct ErrorStats {
 ErrorStats measureErrors(const ExportInfo& e, const std::vector<Sample>& samples,
                          const std::vector<double>& results);
 
+// The error of each sample, the largest over its output components: in ulps
+// of the exact result (infinite for a NaN or infinity where the reference
+// has none, or the reverse) and in correct bits.  For plots of the error
+// across a domain.
+struct SampleError {
+    double ulp = 0;
+    double bits = 0;
+};
+std::vector<SampleError> sampleErrors(const ExportInfo& e, const std::vector<Sample>& samples,
+                                      const std::vector<double>& results);
+
+// Whether measured errors meet the member's tier: no class mismatch, and
+// the tier's bound (exact results, an ulp bound or a number of correct
+// bits).
+bool withinTier(const ExportInfo& e, const ErrorStats& stats);
+
 // The correctly rounded value of the reference for each output component
 // of each sample.
 std::vector<double> correctlyRounded(const ExportInfo& e, const std::vector<Sample>& samples);

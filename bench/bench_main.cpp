@@ -1,0 +1,395 @@
+// orvvm_bench: times every member the library has, and beside it, on the
+// same arrays in the same process, what a user would call instead (glibc's
+// scalar functions, libmvec, SLEEF, a copy).  Members come from the
+// harness's export table and the library's symbols; their inputs from the
+// first (ordinary) range of their accuracy records.  Nothing here names a
+// member, so new families are timed as soon as they exist.
+//
+// Benchmarks are named  <group>/<size>/<input>/<what>:
+//   group  the family and type (Exp_32f); members of one family and type
+//          whose ordinary ranges are equal share a group and its data
+//   input  "ordinary", or "special" with a fraction of special elements
+//   what   the member (orvsExp_32f_A24) or <kind>:<function>
+//          (scalar:expf, libmvec:_ZGVbN4v_expf, sleef-sse4:Sleef_expf4_u10sse4)
+//
+// After the run the median rate of each member (elements per nanosecond,
+// from items per second over CPU time) and its ratio to each alternative
+// measured in the same run are printed, and written as TSV with
+// --orvvm_ratios_out.  Options of its own (Google Benchmark's flags work as
+// usual and override the defaults below):
+//   --orvvm_members=REGEX   only members whose name matches
+//   --orvvm_sizes=N,N       array lengths (default 1000,1000000)
+//   --orvvm_special=F       fraction of special elements of the "special"
+//                           input (default 0.01; 0 leaves that input out)
+//   --orvvm_special_sizes=N,N
+//                           the lengths timed on special input too (default
+//                           the smallest: what a rejected block costs shows
+//                           best where the arrays sit in cache)
+//   --orvvm_ratios_out=FILE the ratio table as TSV
+//   --orvvm_progress        one line per benchmark done on stderr
+//   --orvvm_list            list the benchmarks as TSV and exit
+//   --orvvm_repeat=NAME --orvvm_calls=N
+//                           run benchmark NAME's call N times inside
+//                           orvvm_bench_measured() and exit, for counting
+//                           instructions: valgrind --tool=callgrind
+//                           --toggle-collect=orvvm_bench_measured ...
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <optional>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "alternatives.h"
+#include "exports.h"
+#include "records.h"
+#include "workload.h"
+
+using namespace orvbench;
+using orvtest::ExportInfo;
+using orvtest::Range;
+
+extern "C" __attribute__((noinline)) void orvvm_bench_measured(const Call* call, const OrvBenchArrays* arrays,
+                                                                 int calls) {
+    for (int i = 0; i < calls; ++i) (*call)(*arrays);
+}
+
+namespace {
+
+struct Options {
+    std::string members;
+    std::vector<int32_t> sizes = {1000, 1000000};
+    double special = 0.01;
+    std::vector<int32_t> specialSizes;  // empty: the smallest of sizes
+    std::string ratiosOut;
+    bool progress = false;
+    bool list = false;
+    std::string repeat;
+    int calls = 10;
+};
+
+// Members of one family and type with one ordinary range: one set of data.
+struct Group {
+    std::string name;
+    Range range;
+    std::vector<const ExportInfo*> members;
+    std::vector<Alternative> alternatives;  // the union over the members, by function
+};
+
+enum class Input { Ordinary, Special };
+
+struct Entry {
+    std::string name;
+    int group;
+    int32_t size;
+    Input input;
+    std::string kind;   // "orvvm" or the alternative's kind
+    std::string label;  // the member, or the alternative's function
+    const ExportInfo* member = nullptr;
+    Call run;
+};
+
+std::vector<Group> groups;
+std::vector<Entry> entries;
+Options options;
+
+const char* inputName(Input in) { return in == Input::Ordinary ? "ordinary" : "special"; }
+
+// ---- The groups and the benchmarks -----------------------------------------
+
+void buildGroups() {
+    std::optional<std::regex> only;
+    if (!options.members.empty()) only.emplace(options.members);
+    for (const ExportInfo* e : orvtest::implementedExports()) {
+        if (only && !std::regex_search(e->name, *only)) continue;
+        const orvtest::AccuracyRecord* record = orvtest::findRecord(e->name);
+        if (!record || record->ranges.empty()) {
+            std::fprintf(stderr, "%s: no accuracy record, so no ordinary range: not timed\n", e->name.c_str());
+            continue;
+        }
+        const Range& range = record->ranges.front();
+        Group* g = nullptr;
+        int sameKind = 0;
+        for (Group& candidate : groups) {
+            const ExportInfo& first = *candidate.members.front();
+            if (first.family != e->family || first.type != e->type) continue;
+            ++sameKind;
+            if (candidate.range.bounds == range.bounds) g = &candidate;
+        }
+        if (!g) {
+            std::string name = e->family + "_" + e->typeTag;
+            if (sameKind) name += "_r" + std::to_string(sameKind + 1);
+            groups.push_back({name, range, {}, {}});
+            g = &groups.back();
+        }
+        g->members.push_back(e);
+        for (Alternative& a : alternativesFor(*e)) {
+            bool known = false;
+            for (const Alternative& b : g->alternatives) known |= b.kind == a.kind && b.label == a.label;
+            if (!known) g->alternatives.push_back(std::move(a));
+        }
+    }
+}
+
+void buildEntries() {
+    std::vector<int32_t> specialSizes = options.specialSizes;
+    if (specialSizes.empty()) specialSizes = {*std::min_element(options.sizes.begin(), options.sizes.end())};
+    if (options.special <= 0) specialSizes.clear();
+    for (int gi = 0; gi < int(groups.size()); ++gi) {
+        const Group& g = groups[gi];
+        for (int32_t size : options.sizes)
+            for (Input in : {Input::Ordinary, Input::Special}) {
+                if (in == Input::Special &&
+                    std::find(specialSizes.begin(), specialSizes.end(), size) == specialSizes.end())
+                    continue;
+                const std::string prefix = g.name + "/" + std::to_string(size) + "/" + inputName(in) + "/";
+                for (const ExportInfo* m : g.members)
+                    entries.push_back({prefix + m->name, gi, size, in, "orvvm", m->name, m, orvvmCall(*m)});
+                for (const Alternative& a : g.alternatives) {
+                    // On special data only the scalar loop runs beside
+                    // orvvm: it shows what special elements cost a plain
+                    // loop, against what a rejected block costs orvvm.
+                    if (in == Input::Special && a.kind != "scalar") continue;
+                    entries.push_back({prefix + a.kind + ":" + a.label, gi, size, in, a.kind, a.label, nullptr, a.run});
+                }
+            }
+    }
+}
+
+// One workload at a time: the benchmarks of a group, size and input run one
+// after another, so they all see the same arrays.
+const Workload& workloadFor(const Entry& entry) {
+    static std::unique_ptr<Workload> current;
+    static std::tuple<int, int32_t, Input> key{-1, 0, Input::Ordinary};
+    const std::tuple<int, int32_t, Input> wanted{entry.group, entry.size, entry.input};
+    if (!current || key != wanted) {
+        const Group& g = groups[entry.group];
+        current.reset();  // free the old arrays before making the new ones
+        const double fraction = entry.input == Input::Special ? options.special : 0.0;
+        current = std::make_unique<Workload>(Workload::sampled(*g.members.front(), g.range, entry.size, fraction,
+                                                               std::hash<std::string>{}(g.name)));
+        key = wanted;
+    }
+    return *current;
+}
+
+void runEntry(benchmark::State& state, const Entry* entry) {
+    const OrvBenchArrays arrays = workloadFor(*entry).arrays();
+    for (auto _ : state) {
+        entry->run(arrays);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(int64_t(state.iterations()) * arrays.len);
+}
+
+// ---- Collecting the medians ------------------------------------------------
+
+struct Median {
+    double elemPerNs = 0;
+};
+
+class MedianReporter : public benchmark::ConsoleReporter {
+public:
+    explicit MedianReporter(size_t total) : total_(total) {}
+
+    void ReportRuns(const std::vector<Run>& runs) override {
+        for (const Run& run : runs) {
+            if (run.error_occurred) continue;
+            const std::string& name = run.run_name.function_name;
+            const bool median = run.run_type == Run::RT_Aggregate ? run.aggregate_name == "median"
+                                                                  : run.repetitions <= 1;
+            auto rate = run.counters.find("items_per_second");
+            if (median && rate != run.counters.end()) medians_[name].elemPerNs = rate->second.value * 1e-9;
+            if (options.progress && done_.insert(name).second)
+                std::fprintf(stderr, "progress %zu/%zu %s\n", done_.size(), total_, name.c_str());
+        }
+        ConsoleReporter::ReportRuns(runs);
+    }
+
+    const Median* find(const std::string& name) const {
+        auto it = medians_.find(name);
+        return it == medians_.end() ? nullptr : &it->second;
+    }
+
+private:
+    size_t total_;
+    std::map<std::string, Median> medians_;
+    std::set<std::string> done_;
+};
+
+// ---- Ratios ---------------------------------------------------------------
+
+const Entry* findEntry(int group, int32_t size, Input in, const std::string& kind, const std::string& label) {
+    for (const Entry& e : entries)
+        if (e.group == group && e.size == size && e.input == in && e.kind == kind && e.label == label) return &e;
+    return nullptr;
+}
+
+// ratio = orvvm's rate / the alternative's rate: above 1 orvvm is faster.
+void writeRatios(const MedianReporter& medians) {
+    std::ostringstream tsv, table;
+    tsv << "member\tfamily\ttype\ttier\tsize\tinput\tkind\tfunction\torvvm_elem_per_ns\telem_per_ns\tratio\n";
+    char line[512];
+    std::snprintf(line, sizeof line, "\n%-26s %8s %-8s %9s  %s\n", "member", "size", "input", "elem/ns",
+                  "orvvm speed / alternative speed (median of the repetitions)");
+    table << line;
+    for (const Entry& e : entries) {
+        if (e.kind != "orvvm") continue;
+        const Median* own = medians.find(e.name);
+        if (!own) continue;
+        const ExportInfo& m = *e.member;
+        auto row = [&](const std::string& kind, const std::string& label, const std::string& rate,
+                       const std::string& ratio) {
+            tsv << m.name << '\t' << m.family << '\t' << m.typeTag << '\t' << m.tier << '\t' << e.size << '\t'
+                << inputName(e.input) << '\t' << kind << '\t' << label << '\t' << own->elemPerNs << '\t' << rate
+                << '\t' << ratio << '\n';
+        };
+        row("orvvm", m.name, std::to_string(own->elemPerNs), "");
+        std::snprintf(line, sizeof line, "%-26s %8d %-8s %9.3f ", m.name.c_str(), e.size, inputName(e.input),
+                      own->elemPerNs);
+        table << line;
+        for (const Alternative& a : alternativesFor(m)) {
+            const Entry* alt = findEntry(e.group, e.size, e.input, a.kind, a.label);
+            const Median* other = alt ? medians.find(alt->name) : nullptr;
+            if (!other || other->elemPerNs <= 0) continue;
+            const double ratio = own->elemPerNs / other->elemPerNs;
+            row(a.kind, a.label, std::to_string(other->elemPerNs), std::to_string(ratio));
+            std::snprintf(line, sizeof line, " %s %.2fx", a.kind.c_str(), ratio);
+            table << line;
+        }
+        table << '\n';
+    }
+    std::fputs(table.str().c_str(), stdout);
+    if (!options.ratiosOut.empty()) {
+        std::ofstream out(options.ratiosOut);
+        out << tsv.str();
+        if (!out) {
+            std::fprintf(stderr, "cannot write %s\n", options.ratiosOut.c_str());
+            std::exit(1);
+        }
+    }
+}
+
+// ---- Options ----------------------------------------------------------------
+
+bool takeOption(const char* arg, const char* name, std::string& value) {
+    const size_t n = std::strlen(name);
+    if (std::strncmp(arg, name, n) != 0) return false;
+    if (arg[n] == '=') {
+        value = arg + n + 1;
+        return true;
+    }
+    if (arg[n] == '\0') {
+        value = "1";
+        return true;
+    }
+    return false;
+}
+
+std::vector<int32_t> parseSizes(const std::string& text) {
+    std::vector<int32_t> sizes;
+    std::stringstream ss(text);
+    for (std::string item; std::getline(ss, item, ',');) {
+        const long v = std::strtol(item.c_str(), nullptr, 10);
+        if (v <= 0 || v > (1L << 28)) {
+            std::fprintf(stderr, "bad size %s\n", item.c_str());
+            std::exit(2);
+        }
+        sizes.push_back(int32_t(v));
+    }
+    return sizes;
+}
+
+// Removes this program's own options from argv.
+void parseOptions(int& argc, char** argv) {
+    int kept = 1;
+    for (int i = 1; i < argc; ++i) {
+        std::string v;
+        if (takeOption(argv[i], "--orvvm_members", v))
+            options.members = v;
+        else if (takeOption(argv[i], "--orvvm_sizes", v))
+            options.sizes = parseSizes(v);
+        else if (takeOption(argv[i], "--orvvm_special_sizes", v))
+            options.specialSizes = parseSizes(v);
+        else if (takeOption(argv[i], "--orvvm_special", v))
+            options.special = std::strtod(v.c_str(), nullptr);
+        else if (takeOption(argv[i], "--orvvm_ratios_out", v))
+            options.ratiosOut = v;
+        else if (takeOption(argv[i], "--orvvm_progress", v))
+            options.progress = v != "0" && v != "false";
+        else if (takeOption(argv[i], "--orvvm_list", v))
+            options.list = v != "0" && v != "false";
+        else if (takeOption(argv[i], "--orvvm_repeat", v))
+            options.repeat = v;
+        else if (takeOption(argv[i], "--orvvm_calls", v))
+            options.calls = std::max(1, std::atoi(v.c_str()));
+        else
+            argv[kept++] = argv[i];
+    }
+    argc = kept;
+    if (options.special < 0 || options.special > 0.5) {
+        std::fprintf(stderr, "--orvvm_special must lie in [0, 0.5]\n");
+        std::exit(2);
+    }
+}
+
+int repeatOne() {
+    for (const Entry& e : entries) {
+        if (e.name != options.repeat) continue;
+        const OrvBenchArrays arrays = workloadFor(e).arrays();
+        e.run(arrays);  // once outside the count: lazy binding, first touch
+        orvvm_bench_measured(&e.run, &arrays, options.calls);
+        std::printf("%s\tcalls %d\telements %d\n", e.name.c_str(), options.calls, arrays.len);
+        return 0;
+    }
+    std::fprintf(stderr, "no benchmark named %s (see --orvvm_list)\n", options.repeat.c_str());
+    return 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    parseOptions(argc, argv);
+    buildGroups();
+    buildEntries();
+    if (options.list) {
+        for (const Entry& e : entries)
+            std::printf("%s\t%s\t%d\t%s\t%s\t%s\n", e.name.c_str(), groups[e.group].name.c_str(), e.size,
+                        inputName(e.input), e.kind.c_str(), e.label.c_str());
+        return 0;
+    }
+    if (!options.repeat.empty()) return repeatOne();
+
+    // Defaults for a run over everything: medians of 5 short repetitions.
+    // Flags given on the command line come later and win.
+    std::vector<char*> args = {argv[0]};
+    std::string defaults[] = {"--benchmark_repetitions=5", "--benchmark_min_time=0.05",
+                              "--benchmark_report_aggregates_only=true"};
+    for (std::string& d : defaults) args.push_back(d.data());
+    for (int i = 1; i < argc; ++i) args.push_back(argv[i]);
+    int n = int(args.size());
+    args.push_back(nullptr);
+    benchmark::Initialize(&n, args.data());
+    if (benchmark::ReportUnrecognizedArguments(n, args.data())) return 2;
+
+    for (const Entry& e : entries)
+        benchmark::RegisterBenchmark(e.name.c_str(), runEntry, &e)->Unit(benchmark::kMicrosecond);
+    if (entries.empty()) {
+        std::fprintf(stderr, "nothing to time: no implemented member matches\n");
+        return 1;
+    }
+    MedianReporter reporter(entries.size());
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    writeRatios(reporter);
+    benchmark::Shutdown();
+    return 0;
+}
