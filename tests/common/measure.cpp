@@ -470,7 +470,8 @@ bool withinTier(const ExportInfo& e, const ErrorStats& stats) {
 std::vector<double> correctlyRounded(const ExportInfo& e, const std::vector<Sample>& samples) {
     ReferenceEvaluator ref(e);
     const int oc = e.outputComponents();
-    std::vector<double> out(samples.size() * oc);
+    std::vector<double> out(samples.size() * oc, std::numeric_limits<double>::quiet_NaN());
+    if (!ref.valid()) return out;
     for (size_t i = 0; i < samples.size(); ++i) {
         ref.evaluate(samples[i]);
         for (int c = 0; c < oc; ++c) out[i * oc + c] = roundToFormat(ref.result(c), e.is64());
