@@ -12,16 +12,6 @@ namespace {
 
 using orvtest::Shape;
 
-double getReal(const unsigned char* p, bool is64) {
-    if (is64) {
-        double v;
-        std::memcpy(&v, p, 8);
-        return v;
-    }
-    float f;
-    std::memcpy(&f, p, 4);
-    return f;
-}
 
 }  // namespace
 
@@ -98,18 +88,8 @@ Workload Workload::sampled(const ExportInfo& e, const Range& range, int32_t len,
 }
 
 std::vector<double> Workload::results() const {
-    const ExportInfo& e = *e_;
-    const bool is64 = e.is64();
-    const size_t rs = e.realSize();
-    const int oc = e.outputComponents();
-    std::vector<double> out(size_t(len()) * oc);
-    for (int32_t i = 0; i < len(); ++i)
-        for (int c = 0; c < oc; ++c) {
-            if (e.shape == Shape::S)
-                out[size_t(i) * oc + c] = getReal(c == 0 ? &dst1_[i * rs] : &dst2_[i * rs], is64);
-            else
-                out[size_t(i) * oc + c] = getReal(&dst1_[(size_t(i) * oc + c) * rs], is64);
-        }
+    std::vector<double> out(size_t(len()) * e_->outputComponents());
+    orvtest::decodeResults(*e_, dst1_.get(), dst2_.get(), len(), out.data());
     return out;
 }
 

@@ -70,8 +70,6 @@ double getReal(const unsigned char* p, bool is64) {
 int componentsPerValue(const ExportInfo& e) { return e.isComplex() && e.shape != Shape::P ? 2 : 1; }
 
 void runBatch(const ExportInfo& e, const Sample* s, int n, double* out) {
-    const bool is64 = e.is64();
-    const size_t rs = e.realSize();
     const std::vector<Sample> samples(s, s + n);
     std::vector<unsigned char> src1 = sourceBytes(e, samples, 0), src2 = sourceBytes(e, samples, 1);
     std::vector<unsigned char> dst1(n * e.dstElemSize() + 16), dst2(n * e.dstElemSize() + 16);
@@ -83,14 +81,7 @@ void runBatch(const ExportInfo& e, const Sample* s, int n, double* out) {
     a.len = n;
     setConstant(e, samples, a);
     invoke(e, a);
-    const int oc = e.outputComponents();
-    for (int i = 0; i < n; ++i)
-        for (int c = 0; c < oc; ++c) {
-            if (e.shape == Shape::S)
-                out[i * oc + c] = getReal(c == 0 ? &dst1[i * rs] : &dst2[i * rs], is64);
-            else
-                out[i * oc + c] = getReal(&dst1[(i * oc + c) * rs], is64);
-        }
+    decodeResults(e, dst1.data(), dst2.data(), n, out);
 }
 
 // ---- Errors -----------------------------------------------------------------
@@ -261,6 +252,20 @@ std::vector<unsigned char> sourceBytes(const ExportInfo& e, const std::vector<Sa
     for (size_t i = 0; i < s.size(); ++i)
         for (int c = 0; c < cv; ++c) putReal(&b[(i * cv + c) * e.realSize()], s[i].in[k * cv + c], e.is64());
     return b;
+}
+
+void decodeResults(const ExportInfo& e, const unsigned char* dst1, const unsigned char* dst2, int n,
+                   double* out) {
+    const bool is64 = e.is64();
+    const size_t rs = e.realSize();
+    const int oc = e.outputComponents();
+    for (size_t i = 0; i < size_t(n); ++i)
+        for (int c = 0; c < oc; ++c) {
+            if (e.shape == Shape::S)
+                out[i * oc + c] = getReal(c == 0 ? &dst1[i * rs] : &dst2[i * rs], is64);
+            else
+                out[i * oc + c] = getReal(&dst1[(i * oc + c) * rs], is64);
+        }
 }
 
 void setConstant(const ExportInfo& e, const std::vector<Sample>& s, CallArgs& a) {

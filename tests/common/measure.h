@@ -47,6 +47,11 @@ PeerVectors peerVectors(const ExportInfo& e);
 std::vector<unsigned char> sourceBytes(const ExportInfo& e, const std::vector<Sample>& s, int k);
 void setConstant(const ExportInfo& e, const std::vector<Sample>& s, CallArgs& a);
 
+// The results in a call's destination arrays, outputComponents() values
+// per element.
+void decodeResults(const ExportInfo& e, const unsigned char* dst1, const unsigned char* dst2, int n,
+                   double* out);
+
 // Calls the member on the samples (as few calls as the shape allows, so
 // blocks, rejected blocks and tails are all exercised) and returns the
 // results, outputComponents() per sample.
