@@ -107,25 +107,6 @@ TEST(Hypot, AllMembersOfATypeAgreeBitForBit) {
         EXPECT_EQ(std::memcmp(r64[0].data(), r64[m].data(), c.size() * sizeof(double)), 0) << m;
 }
 
-TEST(Hypot, ResultDoesNotDependOnTheNeighbours) {
-    // The same pair in a block that passes, in a block that a zero sends to
-    // the ElementPath, and in the tail.
-    std::vector<float> a(17, 1.25f), b(17, 0.75f);
-    a[8] = 0.0f;
-    b[8] = 0.0f;
-    std::vector<float> r = hypot(orvsHypot_32f_A24, a, b);
-    EXPECT_SAME_BITS(r[0], r[9]);
-    EXPECT_SAME_BITS(r[0], r[16]);
-    EXPECT_SAME_BITS(r[8], 0.0f);
-    std::vector<double> c(9, 1.25), d(9, -0.75);
-    c[5] = -0.0;
-    d[5] = 0.0;
-    std::vector<double> s = hypot(orvsHypot_64f_A53, c, d);
-    EXPECT_SAME_BITS(s[0], s[4]);
-    EXPECT_SAME_BITS(s[0], s[8]);
-    EXPECT_SAME_BITS(s[5], 0.0);
-}
-
 TEST(Hypot, Binary32OutsideTheKernelGoesThroughExtendedPrecision) {
     // 1e30 squared overflows binary32: the block is rejected and the x87
     // route gives the root.  Likewise squares below the normal range.
