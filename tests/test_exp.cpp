@@ -10,10 +10,7 @@
 #include <vector>
 
 #include "testing.h"
-#include "tables/exp2_fraction32.h"
-#include "tables/exp2_fraction64.h"
-#include "tables/exp2_headtail32.h"
-#include "tables/exp2_headtail64.h"
+#include "tables/exp2_tables.h"
 
 using namespace orvtest;
 

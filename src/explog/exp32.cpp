@@ -40,14 +40,14 @@
 //   rejected block; elements outside the float path's range keep the wide
 //   result, rounded once to float, so overflow and subnormals need no case.
 //
-// Tables: src/tables/exp2_fraction32.h (A21) and exp2_headtail32.h (A24),
-// generated with MPFR by their gen_*.cpp from the rule 2^(j/128).
+// Tables: kExp2Fraction32 (A21) and kExp2HeadTail32 (A24) of
+// src/tables/exp2_tables.h, generated with MPFR by gen_exp2_tables.cpp from
+// the rule 2^(j/128).
 #include "frame/accuracy.h"
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "frame/simd.h"
-#include "tables/exp2_fraction32.h"
-#include "tables/exp2_headtail32.h"
+#include "tables/exp2_tables.h"
 
 namespace orv {
 namespace {

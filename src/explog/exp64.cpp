@@ -55,14 +55,14 @@
 //   x <= -745.1332191019412 (ln 2^-1075): +0, orvStatusUnderflow, a stored
 //     constant (no flag).
 //
-// Tables: src/tables/exp2_fraction64.h (A26, A50) and exp2_headtail64.h
-// (A53), generated with MPFR by their gen_*.cpp from the rule 2^(j/2^L).
+// Tables: kExp2Fraction64 (A26, A50) and kExp2HeadTail64 (A53) of
+// src/tables/exp2_tables.h, generated with MPFR by gen_exp2_tables.cpp from
+// the rule 2^(j/2^L).
 #include "frame/accuracy.h"
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "frame/simd.h"
-#include "tables/exp2_fraction64.h"
-#include "tables/exp2_headtail64.h"
+#include "tables/exp2_tables.h"
 
 namespace orv {
 namespace {
