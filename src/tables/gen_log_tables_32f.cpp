@@ -23,20 +23,18 @@
 
 #include <cstdio>
 
+#include "gen_log_common.h"
+
 namespace {
 
-constexpr mpfr_prec_t kWork = 256;
+using gen::kWork;
+using gen::logOf;
+using gen::roundToGrid;
 
 struct Row {
     float th, tt, rcp;
 };
 
-// x rounded to a multiple of 2^-k in the given direction, exactly.
-void roundToGrid(mpfr_t out, const mpfr_t x, int k, mpfr_rnd_t mode) {
-    mpfr_mul_2si(out, x, k, MPFR_RNDN);
-    mpfr_rint(out, out, mode);
-    mpfr_mul_2si(out, out, -k, MPFR_RNDN);
-}
 
 // Head th (already exact in binary32) and the float nearest to v - th.
 Row split(const mpfr_t v, const mpfr_t head, float rcp) {
@@ -49,13 +47,6 @@ Row split(const mpfr_t v, const mpfr_t head, float rcp) {
     return row;
 }
 
-// log of y, natural or decimal.
-void logOf(mpfr_t out, const mpfr_t y, bool decimal) {
-    if (decimal)
-        mpfr_log10(out, y, MPFR_RNDN);
-    else
-        mpfr_log(out, y, MPFR_RNDN);
-}
 
 Row row21(int i, bool decimal) {
     mpfr_t y, v, head;

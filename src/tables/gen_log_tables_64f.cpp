@@ -23,27 +23,19 @@
 
 #include <cstdio>
 
+#include "gen_log_common.h"
+
 namespace {
 
-constexpr mpfr_prec_t kWork = 256;
+using gen::kWork;
+using gen::logOf;
+using gen::roundToGrid;
 
 struct Row {
     double rcp, th, tt;
 };
 
-// x rounded to a multiple of 2^-k in the given direction, exactly.
-void roundToGrid(mpfr_t out, const mpfr_t x, int k, mpfr_rnd_t mode) {
-    mpfr_mul_2si(out, x, k, MPFR_RNDN);
-    mpfr_rint(out, out, mode);
-    mpfr_mul_2si(out, out, -k, MPFR_RNDN);
-}
 
-void logOf(mpfr_t out, const mpfr_t y, bool decimal) {
-    if (decimal)
-        mpfr_log10(out, y, MPFR_RNDN);
-    else
-        mpfr_log(out, y, MPFR_RNDN);
-}
 
 // rcp = 1/(1 + i/512) on the grid of 2^-23.
 void reciprocal(mpfr_t rcp, int i) {
