@@ -124,18 +124,18 @@ constexpr Consts26 kLogConsts26{
 };
 
 template <const Consts26& K, bool kScaled>
-F64x2 kernel26(F64x2 x) {
+[[gnu::always_inline]] inline F64x2 kernel26(F64x2 x) {
     I32x4 bits = bitsOf(x);
     Rows26 row = gatherRows(K.table, rowOf512(bits));
     F64x2 e = exponentFrom(bits, kMovedExponentEdge);
-    F64x2 r = row.rcp * asF64x2(fractionAsOne(bits)) - splat(1.0);
+    F64x2 r = row.rcp * asF64x2(fractionAsOne(bits)) - lanes(1.0);
     F64x2 p;
     if constexpr (K.decimal)
-        p = r * splat(K.c1) + (r * r) * splat(K.c2);
+        p = r * lanes(K.c1) + (r * r) * lanes(K.c2);
     else
-        p = r + (r * r) * splat(K.c2);
-    if constexpr (kScaled) p = p - splat(K.logScale);
-    return (e * splat(K.h) + row.t) + p;
+        p = r + (r * r) * lanes(K.c2);
+    if constexpr (kScaled) p = p - lanes(K.logScale);
+    return (e * lanes(K.h) + row.t) + p;
 }
 
 template <const Consts26& K>
@@ -148,7 +148,7 @@ struct Tier26 {
     static int screen(F64x2 a, F64x2 b) { return screen26(a, b); }
     static double scaleDenormal(double x) { return x * kTwoTo52; }
     template <bool kScaled>
-    static F64x2 kernel(F64x2 x) { return kernel26<K, kScaled>(x); }
+    [[gnu::always_inline]] static F64x2 kernel(F64x2 x) { return kernel26<K, kScaled>(x); }
 };
 
 // ---- A50, A53: the sum shared by Ln and Log10 --------------------------------
@@ -160,7 +160,7 @@ inline F64x2 sum53(F64x2 w, F64x2 b, F64x2 ul, F64x2 a, double logScale) {
     F64x2 tailZero = cmpEq(b, zeroF64x2());
     a = select(tailZero, a + ul, a);
     F64x2 small = (w + b) + andNot(ul, tailZero);
-    if constexpr (kScaled) small = small - splat(logScale);
+    if constexpr (kScaled) small = small - lanes(logScale);
     return small + a;
 }
 
@@ -176,7 +176,7 @@ constexpr double kLnA2 = doubleFromBits(0xBFDFFFFFFFFFFCA9);  // -0.499999999999
 constexpr double kLnScale53 = doubleFromBits(0x404205966F2B4F12);  // 36.04365338911715, 52 ln 2
 
 template <bool kScaled>
-F64x2 lnKernel53(F64x2 x) {
+[[gnu::always_inline]] inline F64x2 lnKernel53(F64x2 x) {
     I32x4 bits = bitsOf(x);
     Rows53 row = gatherRows(kLnTable53, rowOf512(bits));
     F64x2 e = exponentFrom(bits, kMovedExponentEdge);
@@ -184,12 +184,12 @@ F64x2 lnKernel53(F64x2 x) {
     F64x2 m = asF64x2(mbits);
     F64x2 mh = asF64x2(mbits & splat64(0x7FFFFFFF00000000));  // 20 fraction bits
     F64x2 ml = m - mh;
-    F64x2 uh = mh * row.rcp - splat(1.0);  // exact: 21 by 24 bits, then Sterbenz
+    F64x2 uh = mh * row.rcp - lanes(1.0);  // exact: 21 by 24 bits, then Sterbenz
     F64x2 ul = ml * row.rcp;
     F64x2 r = ul + uh;
-    F64x2 a = uh + (e * splat(kLnH53) + row.th);
-    F64x2 b = e * splat(kLnL53) + row.tt;
-    F64x2 q = (((splat(kLnA5) * r + splat(kLnA4)) * r + splat(kLnA3)) * r + splat(kLnA2)) * r;
+    F64x2 a = uh + (e * lanes(kLnH53) + row.th);
+    F64x2 b = e * lanes(kLnL53) + row.tt;
+    F64x2 q = (((lanes(kLnA5) * r + lanes(kLnA4)) * r + lanes(kLnA3)) * r + lanes(kLnA2)) * r;
     return sum53<kScaled>(r * q, b, ul, a, kLnScale53);
 }
 
@@ -207,7 +207,7 @@ constexpr double kLogB5 = doubleFromBits(0x4016ABA0F9751EC1);  // 5.667606256268
 constexpr double kLogScale53 = doubleFromBits(0x402F4E9F6303263E);  // 15.653559774527022, 52 log10 2
 
 template <bool kScaled>
-F64x2 logKernel53(F64x2 x) {
+[[gnu::always_inline]] inline F64x2 logKernel53(F64x2 x) {
     I32x4 bits = bitsOf(x);
     Rows53 row = gatherRows(kLogTable53, rowOf512(bits));
     F64x2 e = exponentFrom(bits, kPlainExponentEdge);
@@ -215,13 +215,13 @@ F64x2 logKernel53(F64x2 x) {
     F64x2 m = asF64x2(mbits);
     F64x2 mh = asF64x2(mbits & splat64(0x7FFFFFFF80000000));  // 21 fraction bits
     F64x2 ml = m - mh;
-    F64x2 uh = mh * row.rcp - splat(kLogC53);  // exact: 22 by 21 bits, then Sterbenz
+    F64x2 uh = mh * row.rcp - lanes(kLogC53);  // exact: 22 by 21 bits, then Sterbenz
     F64x2 ul = ml * row.rcp;
     F64x2 r = ul + uh;
-    F64x2 a = uh + (e * splat(kLogH53) + row.th);
-    F64x2 b = e * splat(kLogL53) + row.tt;
-    F64x2 q = (((splat(kLogB5) * r + splat(kLogB4)) * r + splat(kLogB3)) * r + splat(kLogB2)) * r +
-              splat(kLogB1);
+    F64x2 a = uh + (e * lanes(kLogH53) + row.th);
+    F64x2 b = e * lanes(kLogL53) + row.tt;
+    F64x2 q = (((lanes(kLogB5) * r + lanes(kLogB4)) * r + lanes(kLogB3)) * r + lanes(kLogB2)) * r +
+              lanes(kLogB1);
     return sum53<kScaled>(r * q, b, ul, a, kLogScale53);
 }
 
@@ -235,7 +235,7 @@ struct Tier53 {
     static int screen(F64x2 a, F64x2 b) { return positiveNormalScreen(a, b); }
     static double scaleDenormal(double x) { return x * kTwoTo52; }
     template <bool kScaled>
-    static F64x2 kernel(F64x2 x) {
+    [[gnu::always_inline]] static F64x2 kernel(F64x2 x) {
         if constexpr (kScaled)
             return ScaledKernel(x);
         else
