@@ -205,6 +205,20 @@ constexpr float kLnC3_24 = floatFromBits(0x3EAAAAAB);  // 1/3
 constexpr uint32_t kLnNearOneLow24 = 0x3F7E0000;
 constexpr uint32_t kLnNearOneHigh24 = 0x3F820000;
 
+// Lanes whose bits lie strictly between low and high, with one compare:
+// bits - (low + 1) is below high - low - 1 as unsigned numbers exactly then,
+// and moving both sides by 2^31 turns that into a signed compare.
+template <uint32_t low, uint32_t high>
+inline I32x4 strictlyBetween(I32x4 bits) {
+    I32x4 moved = add32(bits, splat32(0x80000000u - (low + 1)));
+    return cmpGt32(splat32(0x80000000u + (high - low - 1)), moved);
+}
+// a + ul in the lanes of mask, a elsewhere.  Adding +0 leaves a as it is:
+// the big term is finite and never -0 (the last addition that makes it has
+// the exact difference uh, and a difference of equal numbers is +0 when
+// rounding to nearest), so this is the select with one operation less.
+inline F32x4 addWhere(F32x4 mask, F32x4 a, F32x4 ul) { return a + (ul & mask); }
+
 template <bool kScaled>
 [[gnu::always_inline]] inline F32x4 lnKernel24(F32x4 x) {
     I32x4 bits = bitsOf(x);
@@ -220,9 +234,8 @@ template <bool kScaled>
     F32x4 e = plainExponent(bits, kScaled ? -23 : 0);
     F32x4 a = (e * lanes(kLnH24) + row.th) + uh;
     F32x4 b = e * lanes(kLnL24) + row.tt;
-    F32x4 nearOne =
-        asF32x4(cmpGt32(bits, splat32(kLnNearOneLow24)) & cmpLt32(bits, splat32(kLnNearOneHigh24)));
-    a = select(nearOne, a + ul, a);
+    F32x4 nearOne = asF32x4(strictlyBetween<kLnNearOneLow24, kLnNearOneHigh24>(bits));
+    a = addWhere(nearOne, a, ul);
     F32x4 ulRest = andNot(ul, nearOne);
     F32x4 q = (((lanes(-0.25f) * r + lanes(kLnC3_24)) * r - lanes(0.5f)) * r) * r;
     return ((q + b) + ulRest) + a;
@@ -277,7 +290,7 @@ template <bool kScaled>
     F32x4 a = uh + (e * lanes(kLogH24) + row.th);
     F32x4 b = e * lanes(kLogL24) + row.tt;
     F32x4 tailZero = cmpEq(b, zeroF32x4());
-    a = select(tailZero, a + ul, a);
+    a = addWhere(tailZero, a, ul);
     F32x4 ulRest = andNot(ul, tailZero);
     F32x4 q = ((lanes(kLogC4_24) * r + lanes(kLogC3_24)) * r + lanes(kLogC2_24)) * r +
               lanes(kLogC1_24);

@@ -76,10 +76,14 @@ constexpr double kTwoTo52 = doubleFromBits(0x4330000000000000);
 constexpr uint32_t kMovedExponentEdge = 0x3FE7FC00;
 constexpr uint32_t kPlainExponentEdge = 0x3FF00000;
 
-// Top ten fraction bits of the high word rounded to nine: the row 0..512.
+// Top ten fraction bits of the high word rounded to nine: the row 0..512,
+// as the byte offset of the row in a table of Row.
+template <class Row>
 inline RowPair rowOf512(I32x4 bits) {
+    static_assert(sizeof(Row) == 16 || sizeof(Row) == 32);
+    constexpr int kShift = sizeof(Row) == 16 ? 7 : 6;  // 11 less log2 of the row size
     return rowNumbers(
-        shr32<11>(add32(bits & splat32(0x000FFC00), splat32(0x400)) & splat32(0x001FF800)));
+        shr32<kShift>(add32(bits & splat32(0x000FFC00), splat32(0x400)) & splat32(0x001FF800)));
 }
 // The exponent of the high word relative to an edge, as a double.
 inline F64x2 exponentFrom(I32x4 bits, uint32_t edge) {
@@ -126,7 +130,7 @@ constexpr Consts26 kLogConsts26{
 template <const Consts26& K, bool kScaled>
 [[gnu::always_inline]] inline F64x2 kernel26(F64x2 x) {
     I32x4 bits = bitsOf(x);
-    Rows26 row = gatherRows(K.table, rowOf512(bits));
+    Rows26 row = gatherRows(K.table, rowOf512<LogRow26>(bits));
     F64x2 e = exponentFrom(bits, kMovedExponentEdge);
     F64x2 r = row.rcp * asF64x2(fractionAsOne(bits)) - lanes(1.0);
     F64x2 p;
@@ -154,11 +158,14 @@ struct Tier26 {
 // ---- A50, A53: the sum shared by Ln and Log10 --------------------------------
 
 // ((w + B) + ul) + A, with ul moved into A when B is exactly zero; the
-// scale's logarithm of a denormal comes off just before A.
+// scale's logarithm of a denormal comes off just before A.  A is finite and
+// never -0 (its last addition has the exact difference uh, which is +0 when
+// zero), so A + (+0) is A itself and ul joins A through a mask, without a
+// select.
 template <bool kScaled>
 inline F64x2 sum53(F64x2 w, F64x2 b, F64x2 ul, F64x2 a, double logScale) {
     F64x2 tailZero = cmpEq(b, zeroF64x2());
-    a = select(tailZero, a + ul, a);
+    a = a + (ul & tailZero);
     F64x2 small = (w + b) + andNot(ul, tailZero);
     if constexpr (kScaled) small = small - lanes(logScale);
     return small + a;
@@ -178,7 +185,7 @@ constexpr double kLnScale53 = doubleFromBits(0x404205966F2B4F12);  // 36.0436533
 template <bool kScaled>
 [[gnu::always_inline]] inline F64x2 lnKernel53(F64x2 x) {
     I32x4 bits = bitsOf(x);
-    Rows53 row = gatherRows(kLnTable53, rowOf512(bits));
+    Rows53 row = gatherRows(kLnTable53, rowOf512<LogRow53>(bits));
     F64x2 e = exponentFrom(bits, kMovedExponentEdge);
     I32x4 mbits = fractionAsOne(bits);
     F64x2 m = asF64x2(mbits);
@@ -209,7 +216,7 @@ constexpr double kLogScale53 = doubleFromBits(0x402F4E9F6303263E);  // 15.653559
 template <bool kScaled>
 [[gnu::always_inline]] inline F64x2 logKernel53(F64x2 x) {
     I32x4 bits = bitsOf(x);
-    Rows53 row = gatherRows(kLogTable53, rowOf512(bits));
+    Rows53 row = gatherRows(kLogTable53, rowOf512<LogRow53>(bits));
     F64x2 e = exponentFrom(bits, kPlainExponentEdge);
     I32x4 mbits = fractionAsOne(bits);
     F64x2 m = asF64x2(mbits);

@@ -44,8 +44,8 @@ inline Rows32 gatherRows(const LogRow32* table, I32x4 offsets) {
     return {{r0}, {r1}, {r2}};
 }
 
-// Row numbers of two double lanes, computed in the high words (32-bit
-// lanes 1 and 3).
+// Byte offsets of the rows of two double lanes, computed in the high words
+// (32-bit lanes 1 and 3).
 struct RowPair {
     uint32_t i0, i1;
 };
@@ -53,12 +53,18 @@ inline RowPair rowNumbers(I32x4 highLanes) {
     return {uint32_t(_mm_cvtsi128_si32(_mm_shuffle_epi32(highLanes.v, _MM_SHUFFLE(1, 1, 1, 1)))),
             uint32_t(_mm_cvtsi128_si32(_mm_shuffle_epi32(highLanes.v, _MM_SHUFFLE(3, 3, 3, 3))))};
 }
+// The row at a byte offset from the table's start.
+template <class Row>
+inline const Row& rowAt(const Row* table, uint32_t offset) {
+    return *reinterpret_cast<const Row*>(reinterpret_cast<const char*>(table) + offset);
+}
 
 struct Rows26 {
     F64x2 rcp, t;
 };
 inline Rows26 gatherRows(const LogRow26* table, RowPair i) {
-    F64x2 a = loadAligned(&table[i.i0].rcp), b = loadAligned(&table[i.i1].rcp);
+    const LogRow26 &r0 = rowAt(table, i.i0), &r1 = rowAt(table, i.i1);
+    F64x2 a = loadAligned(&r0.rcp), b = loadAligned(&r1.rcp);
     return {unpackLo(a, b), unpackHi(a, b)};
 }
 
@@ -66,8 +72,9 @@ struct Rows53 {
     F64x2 rcp, th, tt;
 };
 inline Rows53 gatherRows(const LogRow53* table, RowPair i) {
-    F64x2 a = loadAligned(&table[i.i0].rcp), b = loadAligned(&table[i.i1].rcp);
-    F64x2 c = loadAligned(&table[i.i0].tt), d = loadAligned(&table[i.i1].tt);
+    const LogRow53 &r0 = rowAt(table, i.i0), &r1 = rowAt(table, i.i1);
+    F64x2 a = loadAligned(&r0.rcp), b = loadAligned(&r1.rcp);
+    F64x2 c = loadAligned(&r0.tt), d = loadAligned(&r1.tt);
     return {unpackLo(a, b), unpackHi(a, b), unpackLo(c, d)};
 }
 
