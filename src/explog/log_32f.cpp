@@ -66,9 +66,9 @@ constexpr float kTwoTo126 = floatFromBits(0x7E800000);      // 2^126
 constexpr float kTwoTo23 = floatFromBits(0x4B000000);       // 2^23
 
 // Rounds the top seven fraction bits of x to six: the row 0..64 of the
-// 64-interval tables, i for m close to 1 + i/64.
+// 64-interval tables, i for m close to 1 + i/64, as the byte offset 16*i.
 inline I32x4 rowOf64(I32x4 bits) {
-    return shr32<4>(add32(shr32<13>(bits) & splat32(0x3F8), splat32(8)) & splat32(0x7F0));
+    return add32(shr32<13>(bits) & splat32(0x3F8), splat32(8)) & splat32(0x7F0);
 }
 // The plain unbiased exponent of a positive normal x, as a float.
 inline F32x4 plainExponent(I32x4 bits, int32_t correction) {
@@ -110,19 +110,19 @@ constexpr Poly11 kLogPoly11{
 constexpr uint32_t kSqrt2Carry = 0x004AFB0D;
 
 template <const Poly11& P, bool kScaled>
-F32x4 kernel11(F32x4 x) {
+[[gnu::always_inline]] inline F32x4 kernel11(F32x4 x) {
     I32x4 bits = bitsOf(x);
     I32x4 mant = bits & splat32(kFraction32);
     I32x4 t = add32(mant, splat32(kSqrt2Carry)) & splat32(0x00800000);
     // Biased exponent plus t, to float by the 2^23 shifter: (2^23 + n) - (2^23 + 127).
     I32x4 biased = shr32<23>(add32(bits & splat32(0x7F800000), t));
     F32x4 e = asF32x4(biased | splat32(0x4B000000)) - splatBits32(0x4B00007F);
-    F32x4 z = asF32x4((t ^ splat32(kOneBits32)) | mant) - splat(1.0f);
-    F32x4 p = ((((splat(P.a5) * z + splat(P.a4)) * z + splat(P.a3)) * z + splat(P.a2)) * z +
-               splat(P.a1)) *
+    F32x4 z = asF32x4((t ^ splat32(kOneBits32)) | mant) - lanes(1.0f);
+    F32x4 p = ((((lanes(P.a5) * z + lanes(P.a4)) * z + lanes(P.a3)) * z + lanes(P.a2)) * z +
+               lanes(P.a1)) *
               z;
-    if constexpr (kScaled) p = p + splat(P.logScale);
-    return p + e * splat(P.log2);
+    if constexpr (kScaled) p = p + lanes(P.logScale);
+    return p + e * lanes(P.log2);
 }
 
 template <const Poly11& P>
@@ -133,7 +133,7 @@ struct Tier11 {
     static constexpr WarnFlags kWarnFlags = WarnFlags::kNone;
     static float scaleDenormal(float x) { return x * kTwoTo126; }
     template <bool kScaled>
-    static F32x4 kernel(F32x4 x) { return kernel11<P, kScaled>(x); }
+    [[gnu::always_inline]] static F32x4 kernel(F32x4 x) { return kernel11<P, kScaled>(x); }
 };
 
 // ---- A21: 65 rows, one-step reduction ---------------------------------------
@@ -168,7 +168,7 @@ constexpr Consts21 kLogConsts21{
 };
 
 template <const Consts21& K, bool kScaled>
-F32x4 kernel21(F32x4 x) {
+[[gnu::always_inline]] inline F32x4 kernel21(F32x4 x) {
     I32x4 bits = bitsOf(x);
     Rows32 row = gatherRows(K.table, rowOf64(bits));
     I32x4 mbits = fractionAsOne(bits);
@@ -176,12 +176,12 @@ F32x4 kernel21(F32x4 x) {
     F32x4 mh = asF32x4(add32(mbits, splat32(0x10000)) & splat32(0xFFFE0000));
     F32x4 r = (asF32x4(mbits) - mh) * row.rcp;
     F32x4 e = plainExponent(bits, 0);
-    F32x4 q = ((splat(K.c3) * r + splat(K.c2)) * r) * r;
+    F32x4 q = ((lanes(K.c3) * r + lanes(K.c2)) * r) * r;
     F32x4 linear = r;
-    if constexpr (K.decimal) linear = r * splat(K.linear);
-    F32x4 small = (q + (e * splat(K.l) + row.tt)) + linear;
-    if constexpr (kScaled) small = small + splat(K.logScale);
-    return small + (e * splat(K.h) + row.th);
+    if constexpr (K.decimal) linear = r * lanes(K.linear);
+    F32x4 small = (q + (e * lanes(K.l) + row.tt)) + linear;
+    if constexpr (kScaled) small = small + lanes(K.logScale);
+    return small + (e * lanes(K.h) + row.th);
 }
 
 template <const Consts21& K>
@@ -192,7 +192,7 @@ struct Tier21 {
     static constexpr WarnFlags kWarnFlags = WarnFlags::kNone;
     static float scaleDenormal(float x) { return x * kTwoTo126; }
     template <bool kScaled>
-    static F32x4 kernel(F32x4 x) { return kernel21<K, kScaled>(x); }
+    [[gnu::always_inline]] static F32x4 kernel(F32x4 x) { return kernel21<K, kScaled>(x); }
 };
 
 // ---- Ln A24 -----------------------------------------------------------------
@@ -205,26 +205,39 @@ constexpr float kLnC3_24 = floatFromBits(0x3EAAAAAB);  // 1/3
 constexpr uint32_t kLnNearOneLow24 = 0x3F7E0000;
 constexpr uint32_t kLnNearOneHigh24 = 0x3F820000;
 
+// Lanes whose bits lie strictly between low and high, with one compare:
+// bits - (low + 1) is below high - low - 1 as unsigned numbers exactly then,
+// and moving both sides by 2^31 turns that into a signed compare.
+template <uint32_t low, uint32_t high>
+inline I32x4 strictlyBetween(I32x4 bits) {
+    I32x4 moved = add32(bits, splat32(0x80000000u - (low + 1)));
+    return cmpGt32(splat32(0x80000000u + (high - low - 1)), moved);
+}
+// a + ul in the lanes of mask, a elsewhere.  Adding +0 leaves a as it is:
+// the big term is finite and never -0 (the last addition that makes it has
+// the exact difference uh, and a difference of equal numbers is +0 when
+// rounding to nearest), so this is the select with one operation less.
+inline F32x4 addWhere(F32x4 mask, F32x4 a, F32x4 ul) { return a + (ul & mask); }
+
 template <bool kScaled>
-F32x4 lnKernel24(F32x4 x) {
+[[gnu::always_inline]] inline F32x4 lnKernel24(F32x4 x) {
     I32x4 bits = bitsOf(x);
     Rows32 row = gatherRows(kLnTable24, rowOf64(bits));
     I32x4 mbits = fractionAsOne(bits);
     F32x4 m = asF32x4(mbits);
     F32x4 mh = asF32x4(mbits & splat32(0x7FFFC000));  // 9 fraction bits
     F32x4 ml = m - mh;
-    F32x4 uh = mh * row.rcp - splat(1.0f);  // exact: 10 by 9 bits, then Sterbenz
+    F32x4 uh = mh * row.rcp - lanes(1.0f);  // exact: 10 by 9 bits, then Sterbenz
     F32x4 ul = ml * row.rcp;                // exact: 14 by 9 bits
     F32x4 r = uh + ul;
     // A denormal comes here normalised to x*2^23: its exponent is E + 23.
     F32x4 e = plainExponent(bits, kScaled ? -23 : 0);
-    F32x4 a = (e * splat(kLnH24) + row.th) + uh;
-    F32x4 b = e * splat(kLnL24) + row.tt;
-    F32x4 nearOne =
-        asF32x4(cmpGt32(bits, splat32(kLnNearOneLow24)) & cmpLt32(bits, splat32(kLnNearOneHigh24)));
-    a = select(nearOne, a + ul, a);
+    F32x4 a = (e * lanes(kLnH24) + row.th) + uh;
+    F32x4 b = e * lanes(kLnL24) + row.tt;
+    F32x4 nearOne = asF32x4(strictlyBetween<kLnNearOneLow24, kLnNearOneHigh24>(bits));
+    a = addWhere(nearOne, a, ul);
     F32x4 ulRest = andNot(ul, nearOne);
-    F32x4 q = (((splat(-0.25f) * r + splat(kLnC3_24)) * r - splat(0.5f)) * r) * r;
+    F32x4 q = (((lanes(-0.25f) * r + lanes(kLnC3_24)) * r - lanes(0.5f)) * r) * r;
     return ((q + b) + ulRest) + a;
 }
 
@@ -241,7 +254,7 @@ struct LnA24 {
         return floatFromBits(uint32_t(top + 1) << 23 | ((f << (23 - top)) & kFraction32));
     }
     template <bool kScaled>
-    static F32x4 kernel(F32x4 x) { return lnKernel24<kScaled>(x); }
+    [[gnu::always_inline]] static F32x4 kernel(F32x4 x) { return lnKernel24<kScaled>(x); }
 };
 
 // ---- Log10 A24 --------------------------------------------------------------
@@ -260,30 +273,30 @@ constexpr float kLogScale24 = floatFromBits(0x40DD8EDE);  // 6.92368984, 23 log1
 constexpr uint32_t kLogExponentEdge24 = 0x3F3F8000;
 
 template <bool kScaled>
-F32x4 logKernel24(F32x4 x) {
+[[gnu::always_inline]] inline F32x4 logKernel24(F32x4 x) {
     I32x4 bits = bitsOf(x);
-    // Top eight fraction bits rounded to seven: row 0..128.
-    I32x4 idx = shr32<16>(add32(bits & splat32(0x7F8000), splat32(0x8000)) & splat32(0xFF0000));
+    // Top eight fraction bits rounded to seven: row 0..128, as the byte offset 16*row.
+    I32x4 idx = shr32<12>(add32(bits & splat32(0x7F8000), splat32(0x8000)) & splat32(0xFF0000));
     Rows32 row = gatherRows(kLogTable24, idx);
     I32x4 mbits = fractionAsOne(bits);
     F32x4 m = asF32x4(mbits);
     F32x4 mh = asF32x4(mbits & splat32(0xFFFF8000));  // 8 fraction bits
     F32x4 ml = m - mh;
-    F32x4 c = splat(kLogC24);
+    F32x4 c = lanes(kLogC24);
     F32x4 uh = mh * row.rcp - c;  // exact: 9 by 8 bits, then Sterbenz
     F32x4 ul = ml * row.rcp;      // exact: 15 by 8 bits
     F32x4 r = ul + uh;
     F32x4 e = toFloat(sar32<23>(sub32(bits, splat32(kLogExponentEdge24))));
-    F32x4 a = uh + (e * splat(kLogH24) + row.th);
-    F32x4 b = e * splat(kLogL24) + row.tt;
+    F32x4 a = uh + (e * lanes(kLogH24) + row.th);
+    F32x4 b = e * lanes(kLogL24) + row.tt;
     F32x4 tailZero = cmpEq(b, zeroF32x4());
-    a = select(tailZero, a + ul, a);
+    a = addWhere(tailZero, a, ul);
     F32x4 ulRest = andNot(ul, tailZero);
-    F32x4 q = ((splat(kLogC4_24) * r + splat(kLogC3_24)) * r + splat(kLogC2_24)) * r +
-              splat(kLogC1_24);
+    F32x4 q = ((lanes(kLogC4_24) * r + lanes(kLogC3_24)) * r + lanes(kLogC2_24)) * r +
+              lanes(kLogC1_24);
     F32x4 w = r * q;
     F32x4 small = (w + b) + ulRest;
-    if constexpr (kScaled) small = small - splat(kLogScale24);
+    if constexpr (kScaled) small = small - lanes(kLogScale24);
     return small + a;
 }
 
@@ -294,7 +307,7 @@ struct LogA24 {
     static constexpr WarnFlags kWarnFlags = WarnFlags::kNone;
     static float scaleDenormal(float x) { return x * kTwoTo23; }
     template <bool kScaled>
-    static F32x4 kernel(F32x4 x) { return logKernel24<kScaled>(x); }
+    [[gnu::always_inline]] static F32x4 kernel(F32x4 x) { return logKernel24<kScaled>(x); }
 };
 
 }  // namespace

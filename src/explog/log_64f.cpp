@@ -76,10 +76,14 @@ constexpr double kTwoTo52 = doubleFromBits(0x4330000000000000);
 constexpr uint32_t kMovedExponentEdge = 0x3FE7FC00;
 constexpr uint32_t kPlainExponentEdge = 0x3FF00000;
 
-// Top ten fraction bits of the high word rounded to nine: the row 0..512.
+// Top ten fraction bits of the high word rounded to nine: the row 0..512,
+// as the byte offset of the row in a table of Row.
+template <class Row>
 inline RowPair rowOf512(I32x4 bits) {
+    static_assert(sizeof(Row) == 16 || sizeof(Row) == 32);
+    constexpr int kShift = sizeof(Row) == 16 ? 7 : 6;  // 11 less log2 of the row size
     return rowNumbers(
-        shr32<11>(add32(bits & splat32(0x000FFC00), splat32(0x400)) & splat32(0x001FF800)));
+        shr32<kShift>(add32(bits & splat32(0x000FFC00), splat32(0x400)) & splat32(0x001FF800)));
 }
 // The exponent of the high word relative to an edge, as a double.
 inline F64x2 exponentFrom(I32x4 bits, uint32_t edge) {
@@ -124,18 +128,18 @@ constexpr Consts26 kLogConsts26{
 };
 
 template <const Consts26& K, bool kScaled>
-F64x2 kernel26(F64x2 x) {
+[[gnu::always_inline]] inline F64x2 kernel26(F64x2 x) {
     I32x4 bits = bitsOf(x);
-    Rows26 row = gatherRows(K.table, rowOf512(bits));
+    Rows26 row = gatherRows(K.table, rowOf512<LogRow26>(bits));
     F64x2 e = exponentFrom(bits, kMovedExponentEdge);
-    F64x2 r = row.rcp * asF64x2(fractionAsOne(bits)) - splat(1.0);
+    F64x2 r = row.rcp * asF64x2(fractionAsOne(bits)) - lanes(1.0);
     F64x2 p;
     if constexpr (K.decimal)
-        p = r * splat(K.c1) + (r * r) * splat(K.c2);
+        p = r * lanes(K.c1) + (r * r) * lanes(K.c2);
     else
-        p = r + (r * r) * splat(K.c2);
-    if constexpr (kScaled) p = p - splat(K.logScale);
-    return (e * splat(K.h) + row.t) + p;
+        p = r + (r * r) * lanes(K.c2);
+    if constexpr (kScaled) p = p - lanes(K.logScale);
+    return (e * lanes(K.h) + row.t) + p;
 }
 
 template <const Consts26& K>
@@ -148,19 +152,22 @@ struct Tier26 {
     static int screen(F64x2 a, F64x2 b) { return screen26(a, b); }
     static double scaleDenormal(double x) { return x * kTwoTo52; }
     template <bool kScaled>
-    static F64x2 kernel(F64x2 x) { return kernel26<K, kScaled>(x); }
+    [[gnu::always_inline]] static F64x2 kernel(F64x2 x) { return kernel26<K, kScaled>(x); }
 };
 
 // ---- A50, A53: the sum shared by Ln and Log10 --------------------------------
 
 // ((w + B) + ul) + A, with ul moved into A when B is exactly zero; the
-// scale's logarithm of a denormal comes off just before A.
+// scale's logarithm of a denormal comes off just before A.  A is finite and
+// never -0 (its last addition has the exact difference uh, which is +0 when
+// zero), so A + (+0) is A itself and ul joins A through a mask, without a
+// select.
 template <bool kScaled>
 inline F64x2 sum53(F64x2 w, F64x2 b, F64x2 ul, F64x2 a, double logScale) {
     F64x2 tailZero = cmpEq(b, zeroF64x2());
-    a = select(tailZero, a + ul, a);
+    a = a + (ul & tailZero);
     F64x2 small = (w + b) + andNot(ul, tailZero);
-    if constexpr (kScaled) small = small - splat(logScale);
+    if constexpr (kScaled) small = small - lanes(logScale);
     return small + a;
 }
 
@@ -176,20 +183,20 @@ constexpr double kLnA2 = doubleFromBits(0xBFDFFFFFFFFFFCA9);  // -0.499999999999
 constexpr double kLnScale53 = doubleFromBits(0x404205966F2B4F12);  // 36.04365338911715, 52 ln 2
 
 template <bool kScaled>
-F64x2 lnKernel53(F64x2 x) {
+[[gnu::always_inline]] inline F64x2 lnKernel53(F64x2 x) {
     I32x4 bits = bitsOf(x);
-    Rows53 row = gatherRows(kLnTable53, rowOf512(bits));
+    Rows53 row = gatherRows(kLnTable53, rowOf512<LogRow53>(bits));
     F64x2 e = exponentFrom(bits, kMovedExponentEdge);
     I32x4 mbits = fractionAsOne(bits);
     F64x2 m = asF64x2(mbits);
     F64x2 mh = asF64x2(mbits & splat64(0x7FFFFFFF00000000));  // 20 fraction bits
     F64x2 ml = m - mh;
-    F64x2 uh = mh * row.rcp - splat(1.0);  // exact: 21 by 24 bits, then Sterbenz
+    F64x2 uh = mh * row.rcp - lanes(1.0);  // exact: 21 by 24 bits, then Sterbenz
     F64x2 ul = ml * row.rcp;
     F64x2 r = ul + uh;
-    F64x2 a = uh + (e * splat(kLnH53) + row.th);
-    F64x2 b = e * splat(kLnL53) + row.tt;
-    F64x2 q = (((splat(kLnA5) * r + splat(kLnA4)) * r + splat(kLnA3)) * r + splat(kLnA2)) * r;
+    F64x2 a = uh + (e * lanes(kLnH53) + row.th);
+    F64x2 b = e * lanes(kLnL53) + row.tt;
+    F64x2 q = (((lanes(kLnA5) * r + lanes(kLnA4)) * r + lanes(kLnA3)) * r + lanes(kLnA2)) * r;
     return sum53<kScaled>(r * q, b, ul, a, kLnScale53);
 }
 
@@ -207,21 +214,21 @@ constexpr double kLogB5 = doubleFromBits(0x4016ABA0F9751EC1);  // 5.667606256268
 constexpr double kLogScale53 = doubleFromBits(0x402F4E9F6303263E);  // 15.653559774527022, 52 log10 2
 
 template <bool kScaled>
-F64x2 logKernel53(F64x2 x) {
+[[gnu::always_inline]] inline F64x2 logKernel53(F64x2 x) {
     I32x4 bits = bitsOf(x);
-    Rows53 row = gatherRows(kLogTable53, rowOf512(bits));
+    Rows53 row = gatherRows(kLogTable53, rowOf512<LogRow53>(bits));
     F64x2 e = exponentFrom(bits, kPlainExponentEdge);
     I32x4 mbits = fractionAsOne(bits);
     F64x2 m = asF64x2(mbits);
     F64x2 mh = asF64x2(mbits & splat64(0x7FFFFFFF80000000));  // 21 fraction bits
     F64x2 ml = m - mh;
-    F64x2 uh = mh * row.rcp - splat(kLogC53);  // exact: 22 by 21 bits, then Sterbenz
+    F64x2 uh = mh * row.rcp - lanes(kLogC53);  // exact: 22 by 21 bits, then Sterbenz
     F64x2 ul = ml * row.rcp;
     F64x2 r = ul + uh;
-    F64x2 a = uh + (e * splat(kLogH53) + row.th);
-    F64x2 b = e * splat(kLogL53) + row.tt;
-    F64x2 q = (((splat(kLogB5) * r + splat(kLogB4)) * r + splat(kLogB3)) * r + splat(kLogB2)) * r +
-              splat(kLogB1);
+    F64x2 a = uh + (e * lanes(kLogH53) + row.th);
+    F64x2 b = e * lanes(kLogL53) + row.tt;
+    F64x2 q = (((lanes(kLogB5) * r + lanes(kLogB4)) * r + lanes(kLogB3)) * r + lanes(kLogB2)) * r +
+              lanes(kLogB1);
     return sum53<kScaled>(r * q, b, ul, a, kLogScale53);
 }
 
@@ -235,7 +242,7 @@ struct Tier53 {
     static int screen(F64x2 a, F64x2 b) { return positiveNormalScreen(a, b); }
     static double scaleDenormal(double x) { return x * kTwoTo52; }
     template <bool kScaled>
-    static F64x2 kernel(F64x2 x) {
+    [[gnu::always_inline]] static F64x2 kernel(F64x2 x) {
         if constexpr (kScaled)
             return ScaledKernel(x);
         else

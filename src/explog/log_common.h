@@ -25,23 +25,27 @@ namespace orv::logs {
 // ---- Table rows ------------------------------------------------------------
 
 // The rows of four float lanes, read one 16-byte row each and transposed
-// into heads, tails and reciprocals.  idx holds the row numbers.
+// into heads, tails and reciprocals.  offsets holds the rows' byte offsets
+// (row number times 16), which the row formulas give with one shift less
+// than the row numbers and which address the table with no scaling.
 struct Rows32 {
     F32x4 th, tt, rcp;
 };
-inline Rows32 gatherRows(const LogRow32* table, I32x4 idx) {
-    alignas(16) uint32_t i[4];
-    storeI(i, idx);
-    __m128 r0 = _mm_load_ps(&table[i[0]].th);
-    __m128 r1 = _mm_load_ps(&table[i[1]].th);
-    __m128 r2 = _mm_load_ps(&table[i[2]].th);
-    __m128 r3 = _mm_load_ps(&table[i[3]].th);
+// The row whose byte offset is in 32-bit lane `lane` of offsets.
+template <int lane>
+inline __m128 rowAt(const LogRow32* table, I32x4 offsets) {
+    uint32_t offset = uint32_t(_mm_cvtsi128_si32(_mm_shuffle_epi32(offsets.v, lane * 0x55)));
+    return _mm_load_ps(reinterpret_cast<const float*>(reinterpret_cast<const char*>(table) + offset));
+}
+inline Rows32 gatherRows(const LogRow32* table, I32x4 offsets) {
+    __m128 r0 = rowAt<0>(table, offsets), r1 = rowAt<1>(table, offsets);
+    __m128 r2 = rowAt<2>(table, offsets), r3 = rowAt<3>(table, offsets);
     _MM_TRANSPOSE4_PS(r0, r1, r2, r3);
     return {{r0}, {r1}, {r2}};
 }
 
-// Row numbers of two double lanes, computed in the high words (32-bit
-// lanes 1 and 3).
+// Byte offsets of the rows of two double lanes, computed in the high words
+// (32-bit lanes 1 and 3).
 struct RowPair {
     uint32_t i0, i1;
 };
@@ -49,12 +53,18 @@ inline RowPair rowNumbers(I32x4 highLanes) {
     return {uint32_t(_mm_cvtsi128_si32(_mm_shuffle_epi32(highLanes.v, _MM_SHUFFLE(1, 1, 1, 1)))),
             uint32_t(_mm_cvtsi128_si32(_mm_shuffle_epi32(highLanes.v, _MM_SHUFFLE(3, 3, 3, 3))))};
 }
+// The row at a byte offset from the table's start.
+template <class Row>
+inline const Row& rowAt(const Row* table, uint32_t offset) {
+    return *reinterpret_cast<const Row*>(reinterpret_cast<const char*>(table) + offset);
+}
 
 struct Rows26 {
     F64x2 rcp, t;
 };
 inline Rows26 gatherRows(const LogRow26* table, RowPair i) {
-    F64x2 a = loadAligned(&table[i.i0].rcp), b = loadAligned(&table[i.i1].rcp);
+    const LogRow26 &r0 = rowAt(table, i.i0), &r1 = rowAt(table, i.i1);
+    F64x2 a = loadAligned(&r0.rcp), b = loadAligned(&r1.rcp);
     return {unpackLo(a, b), unpackHi(a, b)};
 }
 
@@ -62,9 +72,25 @@ struct Rows53 {
     F64x2 rcp, th, tt;
 };
 inline Rows53 gatherRows(const LogRow53* table, RowPair i) {
-    F64x2 a = loadAligned(&table[i.i0].rcp), b = loadAligned(&table[i.i1].rcp);
-    F64x2 c = loadAligned(&table[i.i0].tt), d = loadAligned(&table[i.i1].tt);
+    const LogRow53 &r0 = rowAt(table, i.i0), &r1 = rowAt(table, i.i1);
+    F64x2 a = loadAligned(&r0.rcp), b = loadAligned(&r1.rcp);
+    F64x2 c = loadAligned(&r0.tt), d = loadAligned(&r1.tt);
     return {unpackLo(a, b), unpackHi(a, b), unpackLo(c, d)};
+}
+
+// A constant in every lane, as one 16-byte literal read by one load.  GCC
+// builds a broadcast float constant with a scalar load and a shuffle at
+// every use; the empty asm keeps it from seeing the value as a broadcast, so
+// the vector literal is loaded whole, once, and kept or reloaded as a whole.
+inline F32x4 lanes(float c) {
+    __m128i v = _mm_set1_epi32(int(std::bit_cast<uint32_t>(c)));
+    asm("" : "+x"(v));
+    return {_mm_castsi128_ps(v)};
+}
+inline F64x2 lanes(double c) {
+    __m128i v = _mm_set1_epi64x(int64_t(std::bit_cast<uint64_t>(c)));
+    asm("" : "+x"(v));
+    return {_mm_castsi128_pd(v)};
 }
 
 // Integer lanes to float, exactly (every value here is a small integer).
