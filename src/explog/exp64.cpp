@@ -132,8 +132,8 @@ struct Parts128 {
 };
 inline I32x4 fraction128(I32x4 sumBits) {
     using tables::kExp2Fraction64;
-    return setLanes64(kExp2Fraction64[lane0of64(sumBits) & kIndexMask128],
-                      kExp2Fraction64[lane1of64(sumBits) & kIndexMask128]);
+    return gather64(kExp2Fraction64, lane0of64(sumBits) & kIndexMask128,
+                    lane1of64(sumBits) & kIndexMask128);
 }
 inline Parts128 kernel26(F64x2 x) {
     F64x2 sum = x * splat(kInvLn2x128) + splat(kShifter);

@@ -41,6 +41,18 @@ inline F32x4 setLanes(float a0, float a1, float a2, float a3) {
     return {_mm_setr_ps(a0, a1, a2, a3)};
 }
 
+// Two adjacent floats (a table row) into lanes 0 and 1, the others zero:
+// one 64-bit load instead of two scalar ones.
+inline F32x4 loadPair(const float* p) {
+    using PairBits = double __attribute__((may_alias, aligned(4)));
+    return {_mm_castpd_ps(_mm_load_sd(reinterpret_cast<const PairBits*>(p)))};
+}
+// (a0, b0, a1, b1); and the low or the high halves of a and b side by side,
+// (a0, a1, b0, b1) and (a2, a3, b2, b3).
+inline F32x4 unpackLo(F32x4 a, F32x4 b) { return {_mm_unpacklo_ps(a.v, b.v)}; }
+inline F32x4 lowHalves(F32x4 a, F32x4 b) { return {_mm_movelh_ps(a.v, b.v)}; }
+inline F32x4 highHalves(F32x4 a, F32x4 b) { return {_mm_movehl_ps(b.v, a.v)}; }
+
 inline F32x4 operator+(F32x4 a, F32x4 b) { return {_mm_add_ps(a.v, b.v)}; }
 inline F32x4 operator-(F32x4 a, F32x4 b) { return {_mm_sub_ps(a.v, b.v)}; }
 inline F32x4 operator*(F32x4 a, F32x4 b) { return {_mm_mul_ps(a.v, b.v)}; }
@@ -134,6 +146,14 @@ inline I32x4 setLanes32(uint32_t a0, uint32_t a1, uint32_t a2, uint32_t a3) {
 }
 inline I32x4 setLanes64(uint64_t a0, uint64_t a1) {
     return {_mm_set_epi64x(int64_t(a1), int64_t(a0))};
+}
+
+// Two 64-bit table entries loaded straight into the low and high lanes
+// (no trip through the integer registers).
+inline I32x4 gather64(const uint64_t* table, uint64_t i0, uint64_t i1) {
+    using EntryBits = double __attribute__((may_alias));
+    __m128d low = _mm_load_sd(reinterpret_cast<const EntryBits*>(table + i0));
+    return {_mm_castpd_si128(_mm_loadh_pd(low, reinterpret_cast<const EntryBits*>(table + i1)))};
 }
 
 inline I32x4 operator&(I32x4 a, I32x4 b) { return {_mm_and_si128(a.v, b.v)}; }

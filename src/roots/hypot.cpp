@@ -215,7 +215,9 @@ inline Root64 root64(SquareSum64 q, F64x2 y) {
 struct Hypot64x4 {
     Root64 a, b;
 };
-inline Hypot64x4 hypotKernel64(F64x2x2 a, F64x2x2 b, int& fail) {
+// Always inlined: as a call it passes its four vectors in and its four
+// results out through memory, which costs more than the kernel itself.
+[[gnu::always_inline]] inline Hypot64x4 hypotKernel64(F64x2x2 a, F64x2x2 b, int& fail) {
     SquareSum64 qa = squareSum(a.a, b.a), qb = squareSum(a.b, b.b);
     fail |= badExponent(highWords(qa.s, qb.s) & splat32(kExponent64), kExponent64);
     F64x2x2 y = rsqrtSeed64({qa.s, qb.s});
@@ -274,9 +276,15 @@ inline bool hypotRound32(F32x4 a0, F32x4 b0, F32x4 a1, F32x4 b1, float* out) {
     store(out + 4, r1);
     return true;
 }
-inline bool hypotRound64(F64x2x2 a, F64x2x2 b, double* out) {
+[[gnu::always_inline]] inline bool hypotRound64(F64x2x2 a, F64x2x2 b, double* out) {
     int fail = 0;
     Hypot64x4 r = hypotKernel64(a, b, fail);
+    // The whole kernel runs before the verdict, also for a rejected round
+    // (whose lanes may raise flags): keep it from being sunk past the branch.
+    forceEval(r.a.small.v);
+    forceEval(r.a.large.v);
+    forceEval(r.b.small.v);
+    forceEval(r.b.large.v);
     if (fail) return false;
     store(out, r.a.small + r.a.large);
     store(out + 2, r.b.small + r.b.large);
