@@ -320,7 +320,7 @@ TEST(LogShared, A50AndA53AreOneRoutine) {
     EXPECT_EQ(reinterpret_cast<void*>(orvsLog10_64f_A50), reinterpret_cast<void*>(orvsLog10_64f_A53));
 }
 
-// Where the specified arithmetic leaves its tier, near 1: Log10 A24 in the
+// Where the designed arithmetic leaves its tier, near 1: Log10 A24 in the
 // rows whose head and tail are zero (B = 0 puts ul into A), and the A26
 // members, whose r - r^2/2 lacks the cubic term.  The accuracy records
 // leave these bands out; this pins what the members do there.
