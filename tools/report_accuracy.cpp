@@ -109,14 +109,6 @@ std::string oneField(std::string s) {
     return s;
 }
 
-// Inputs that the record leaves out of the measurement (where the member's
-// arithmetic, as designed, falls outside its tier; its tests pin them).
-bool isExcluded(const AccuracyRecord& r, const Sample& s) {
-    for (const Range& x : r.ranges)
-        if (x.excluded() && x.contains(s.in)) return true;
-    return false;
-}
-
 // The ranges that are sampled, the ordinary one first.
 std::vector<const Range*> sampledRanges(const AccuracyRecord& r) {
     std::vector<const Range*> out;
@@ -189,17 +181,9 @@ void measureMember(const ExportInfo& e, int perRange, double budget) {
 
     // The accuracy test's samples, fewer of them: the same seeds, and the
     // same inputs left out where the record excludes them.
-    std::vector<std::vector<Sample>> sources = {specialSamples(e)};
-    uint64_t seed = std::hash<std::string>{}(e.name);
-    for (const Range& r : record->ranges)
-        if (!r.excluded()) sources.push_back(sampleRange(e, r, perRange, seed++));
-    sources.emplace_back();
-    for (const PeerCase& c : peerVectors(e).cases) sources.back().push_back(c.sample);
+    const std::vector<std::vector<Sample>> sources = accuracySamples(e, *record, perRange);
     long planned = 0;
-    for (auto& s : sources) {
-        std::erase_if(s, [&](const Sample& x) { return isExcluded(*record, x); });
-        planned += long(s.size());
-    }
+    for (const auto& s : sources) planned += long(s.size());
 
     const ErrorStats st = measureWithinBudget(e, sources, budget);
     const bool tier = withinTier(e, st);
@@ -229,7 +213,7 @@ int errorsAcrossDomain(const Options& o) {
     uint64_t seed = std::hash<std::string>{}(e->name) ^ 0x9e3779b97f4a7c15ull;
     for (size_t r = 0; r < ranges.size(); ++r) {
         std::vector<Sample> samples = sampleRange(*e, *ranges[r], o.points, seed++);
-        std::erase_if(samples, [&](const Sample& x) { return isExcluded(*record, x); });
+        std::erase_if(samples, [&](const Sample& x) { return record->excludes(x.in); });
         const Clock::time_point start = Clock::now();
         for (size_t first = 0; first < samples.size() && secondsSince(start) <= o.budget; first += kChunk) {
             const std::vector<Sample> chunk(samples.begin() + first,

@@ -20,12 +20,6 @@ std::vector<std::string> implementedNames() {
     return names;
 }
 
-bool isExcluded(const AccuracyRecord& r, const Sample& s) {
-    for (const Range& x : r.ranges)
-        if (x.excluded() && x.contains(s.in)) return true;
-    return false;
-}
-
 class Accuracy : public ::testing::TestWithParam<std::string> {
 protected:
     const ExportInfo& member() const { return *findExport(GetParam()); }
@@ -41,15 +35,9 @@ TEST_P(Accuracy, WithinTierAndRecordedBound) {
     const AccuracyRecord* record = findRecord(e.name);
     if (!record || !referenceFor(e)) GTEST_FAIL() << "no record or reference";
 
-    std::vector<Sample> samples = specialSamples(e);
-    uint64_t seed = std::hash<std::string>{}(e.name);
-    for (const Range& r : record->ranges) {
-        if (r.excluded()) continue;
-        auto part = sampleRange(e, r, samplesPerRange(1 << 13), seed++);
-        samples.insert(samples.end(), part.begin(), part.end());
-    }
-    for (const PeerCase& c : peerVectors(e).cases) samples.push_back(c.sample);
-    std::erase_if(samples, [&](const Sample& s) { return isExcluded(*record, s); });
+    std::vector<Sample> samples;
+    for (const auto& group : accuracySamples(e, *record, samplesPerRange(1 << 13)))
+        samples.insert(samples.end(), group.begin(), group.end());
 
     ErrorStats st = measureErrors(e, samples, runMember(e, samples));
     ASSERT_EQ(st.count, long(samples.size()));

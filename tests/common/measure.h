@@ -25,6 +25,12 @@ std::vector<Sample> sampleRange(const ExportInfo& e, const Range& r, int count, 
 // infinities and NaN, in every component.
 std::vector<Sample> specialSamples(const ExportInfo& e);
 
+// The inputs the accuracy of a member is measured on, in groups: its
+// special values, each sampled range of its record (perRange samples, the
+// seeds fixed by the member's name), and glibc's hard cases; the inputs the
+// record excludes are left out.
+std::vector<std::vector<Sample>> accuracySamples(const ExportInfo& e, const AccuracyRecord& r, int perRange);
+
 // glibc's correctly rounded test vectors for the member's family and type,
 // when ../shared/peer-vectors/glibc is present: inputs and the expected
 // outputs as the member's real type.  `available` is false when the folder

@@ -54,6 +54,12 @@ bool Range::contains(const double* x) const {
     return true;
 }
 
+bool AccuracyRecord::excludes(const double* in) const {
+    for (const Range& r : ranges)
+        if (r.excluded() && r.contains(in)) return true;
+    return false;
+}
+
 const std::vector<AccuracyRecord>& accuracyRecords() {
     static const std::vector<AccuracyRecord> records = load();
     return records;

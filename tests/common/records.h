@@ -30,6 +30,8 @@ struct AccuracyRecord {
     std::string member;
     double maxUlp;  // the largest error measured, in ulps, as recorded
     std::vector<Range> ranges;  // the first is the ordinary range
+    // Whether an input (its real components) lies in one of the exclusions.
+    bool excludes(const double* in) const;
 };
 
 const std::vector<AccuracyRecord>& accuracyRecords();
