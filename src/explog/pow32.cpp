@@ -1,0 +1,287 @@
+// Pow and Powx, real members on floats: dst[i] = x^y with x = src1[i] (or
+// src[i]) and y = src2[i] (or the constant), for orvsPow_32f_A11/A21/A24 and
+// orvsPowx_32f_A11/A21/A24.
+//
+// Method.  x^y = e^(y ln x), with the logarithm carried in double, where a
+// float result needs only its head:
+//   ln x = E ln2 + ln(mr) + ln(m/mr), m in [1, 2) the fraction of x, mr = m
+//   rounded to eight fraction bits (1 + i/256, i = 0..256, a tie going up so
+//   that mr and the row agree), and ln(m/mr) = ln(1 + r) with r = (m - mr)
+//   rcp, |r| <= 2^-9, by r - r^2/2 + r^3/3 (error below 2^-38 r).  m - mr
+//   is exact, so L = ln x is good to about 2^-50 relative, and t = y L to
+//   about 2^-52 relative: far below a float ulp even where |t| is 87.
+//   Then e^t = 2^n 2^(j/128) e^f with k = round(128 t/ln2) by the shifter,
+//   f = t - k ln2/128 in double, narrowed to float (|f| <= ln2/256), and
+//   the float tail of the exponential: ((0.5 f^2 + (Tt + f)) Th + Th) 2^n
+//   with 2^(j/128) = Th (1 + Tt), Th cut to a float and Tt a relative tail.
+//   The block screen keeps |t| below 87.3337, so that 2^n is a normal
+//   float; the ElementPath evaluates the exponential of any other t in
+//   double, S + g S with S = 2^n 2^(j/128) and g ~ e^f - 1 to degree 3, and
+//   rounds the value, times the sign, once to float: overflow to infinity
+//   and denormal results come from that one rounding, with no status.
+//
+// Tiers.  The three Pow tiers are one routine, and Powx's A11 and A21 are
+// one routine; Powx A24 differs from them only in its fast paths.  All six
+// meet A24's bound: the error is the float tail's (0.5 ulp of the final
+// rounding, plus the dropped f^3/6 and Tt f terms and the roundings of the
+// tail, about 2^-25 relative) and the logarithm's share, 2^-52 |t|, which is
+// 2^-46 of an ulp at |t| = 87.  Measured maxima are in the records.
+//
+// Powx takes its exponent once: it is widened ahead of the loop, and a NaN
+// exponent sends the whole array through the ElementPath.  Fast paths come
+// ahead of everything when y equals a small integer bit for bit; they
+// multiply with no screen, no special-value logic and no status, so NaN and
+// infinities go through by plain arithmetic and overflow is silent:
+//   y = 2: x x (all three tiers);  y = 3: (x x) x, y = 4: (x x)(x x) (A11
+//   and A21 only; A24 takes the kernel there).
+//
+// Special values: the table of pow_common.h, in its order; the only warning
+// is orvStatusDomain.  A negative x with an integer y runs the ElementPath's
+// kernel on |x| with the sign of an odd y; a denormal x is scaled by e^23
+// and 23 taken off the logarithm.
+//
+// Outside the block screen each element takes the ElementPath; an element
+// that the screen would pass gets the block's arithmetic there, so a result
+// does not depend on the element's position.
+//
+// Tables: kPowLog32 of src/tables/pow_tables.h (gen_pow_tables.cpp, rows of
+// ln(1 + i/256) and 1/(1 + i/256)); the exponential's kExp2HeadTail32 (block)
+// and kExp2Fraction64 (ElementPath) of src/tables/exp2_tables.h.
+#include <cstdint>
+
+#include "explog/pow_common.h"
+#include "frame/accuracy.h"
+#include "frame/blockpath.h"
+#include "frame/frame.h"
+#include "frame/simd.h"
+#include "tables/exp2_tables.h"
+#include "tables/pow_tables.h"
+
+namespace orv {
+namespace {
+
+// ---- Constants ----------------------------------------------------------
+
+// Block screen on t = y ln x: the high word of |t| at most this
+// (|t| <= 87.33374), which keeps 2^n a normal float exponent.
+constexpr uint32_t kTScreen = 0x4055D55C;
+// ElementPath: beyond this high word of |t| (708.396) the value is 0 or
+// infinity; below it the double exponential's 2^n stays normal.
+constexpr uint32_t kTSaturate = 0x4086232B;
+// Block screen on y: (abs bits - 1), signed, above this is a NaN.
+constexpr uint32_t kYNaNScreen = 0x7F7FFFFF;
+
+// Logarithm, in double.
+constexpr double kShifter52 = doubleFromBits(0x4338000000000000);  // 1.5*2^52: integers to double
+constexpr double kLn2 = doubleFromBits(0x3FE62E42FEFA39EF);        // 0.6931471805599453
+// Rounds m to eight fraction bits: the OR sets bits below the rounding
+// position so that a tie goes up, then 2^44 + m - 2^44 rounds.
+constexpr uint64_t kTieUp = 0x000003FF00000000;
+constexpr double kRound8 = doubleFromBits(0x42B0000000000000);  // 2^44
+// ln(1 + r) ~ r + c2 r^2 + c3 r^3 on |r| <= 2^-9.
+constexpr double kC2 = doubleFromBits(0xBFDFFFFFFFFFCAAE);  // -0.49999999999924227
+constexpr double kC3 = doubleFromBits(0x3FD55555555512C8);  // 0.33333333333238757
+// A denormal x is scaled by e^23 and 23 taken off the logarithm.
+constexpr double kE23 = doubleFromBits(0x420226AF33B1FDC1);  // 9744803446.248903
+constexpr double kLnScale = 23.0;
+
+// Exponential: k = round(128 t/ln 2), f = t - k ln2/128 in one term (|k|
+// is at most 2^17, so the one product costs about 2^-45 absolute).
+constexpr double kInvLn2x128 = doubleFromBits(0x40671547652B82FE);  // 184.6649652337873
+constexpr double kLn2by128 = doubleFromBits(0x3F762E42FEFA39EF);    // 0.0054152123481245725
+constexpr uint32_t kIndexMask = 0x7F;
+constexpr uint32_t kOneField32 = 0x3F800000;
+constexpr uint32_t kField32 = 0x7F800000;
+constexpr uint64_t kBias64 = 0x3FF;
+constexpr double kOneSixth = doubleFromBits(0x3FC5555555555555);
+constexpr uint32_t kPosInf32 = 0x7F800000;
+
+// Powx fast paths: y equal to these, bit for bit.
+constexpr uint32_t kTwo = 0x40000000, kThree = 0x40400000, kFour = 0x40800000;
+
+// ---- Kernels ------------------------------------------------------------
+
+// ln x for a positive normal double x (a widened float, or a denormal float
+// scaled up), good to about 2^-50 relative.
+inline double log32(double x) {
+    const uint64_t b = bitsOf(x);
+    const uint32_t h = uint32_t(b >> 32);
+    // The top nine fraction bits rounded to eight: row i of 1 + i/256.
+    const uint32_t i = ((((h >> 8) & 0xFF8) + 8) & 0x1FF0) >> 4;
+    const double m = doubleFromBits((b & 0x000FFFFFFFFFFFFF) | 0x3FF0000000000000);
+    // The unbiased exponent, made a double through the shifter.
+    const int64_t e = int64_t(h >> 20) - 1023;
+    const double ed = doubleFromBits(bitsOf(kShifter52) + uint64_t(e)) - kShifter52;
+    const double mr = (doubleFromBits(bitsOf(m) | kTieUp) + kRound8) - kRound8;
+    const tables::PowLogRow32& row = tables::kPowLog32[i];
+    const double r = (m - mr) * row.rcp;
+    const double p = ((kC3 * r + kC2) * r) * r + r;
+    return p + (ed * kLn2 + row.t);
+}
+
+// k = round(128 t/ln2) from the low word of the shifted sum, and the
+// remainder f.
+struct Reduced {
+    double f;
+    int32_t k;
+};
+inline Reduced reduce(double t) {
+    const double s = t * kInvLn2x128 + kShifter52;
+    const double kf = s - kShifter52;
+    return {t - kf * kLn2by128, int32_t(lowWord(s))};
+}
+
+// The block's exponential: f narrowed to float and the float tail of the
+// exponential, 2^n built from the low bits of the sum (k shifted left 16
+// puts n in the exponent field and j below it, which the AND clears).
+inline float expBlock(double t) {
+    const Reduced red = reduce(t);
+    const float f = float(red.f);
+    const tables::Exp2HeadTail32& row = tables::kExp2HeadTail32[uint32_t(red.k) & kIndexMask];
+    const float scale = floatFromBits(((uint32_t(red.k) << 16) + kOneField32) & kField32);
+    return ((0.5f * (f * f) + (row.tail + f)) * row.head + row.head) * scale;
+}
+
+// The ElementPath's exponential, in double, for |t| up to 708.396:
+// S = 2^n 2^(j/128) with n from -1022 to 1022, and S + g S.
+inline double expDouble(double t) {
+    const Reduced red = reduce(t);
+    const uint64_t field = uint64_t(int64_t(red.k >> 7) + int64_t(kBias64)) << 52;
+    const double s = doubleFromBits(field | tables::kExp2Fraction64[uint32_t(red.k) & kIndexMask]);
+    const double g = ((kOneSixth * red.f + 0.5) * red.f) * red.f + red.f;
+    return s + g * s;
+}
+
+inline bool tPasses(double t) { return (highWord(t) & kAbs32) <= kTScreen; }
+
+// ---- ElementPath --------------------------------------------------------
+
+// yd is y widened, made once by Powx.
+inline float powElement(float x, float y, double yd, StatusVar& status) {
+    const pow::Special<float> sp = pow::specialValues(x, y, status);
+    if (sp.done) return sp.result;
+    if (passesPositiveNormal32(bitsOf(x))) {
+        const double t = yd * log32(double(x));
+        if (tPasses(t)) return expBlock(t);
+        if ((highWord(t) & kAbs32) > kTSaturate) return t < 0 ? 0.0f : floatFromBits(kPosInf32);
+        return float(expDouble(t));
+    }
+    // Negative x with an integer y, or a denormal x.
+    const float ax = floatFromBits(bitsOf(x) & kAbs32);
+    const bool denormal = bitsOf(ax) < 0x00800000;
+    double l = log32(denormal ? double(ax) * kE23 : double(ax));
+    if (denormal) l = l - kLnScale;
+    const double t = yd * l;
+    const double sign = sp.sign;
+    if ((highWord(t) & kAbs32) > kTSaturate) return float((t < 0 ? 0.0 : double(floatFromBits(kPosInf32))) * sign);
+    return float(expDouble(t) * sign);
+}
+
+// ---- Blocks -------------------------------------------------------------
+
+// Lanes whose y is a NaN (y = 0 and y = inf pass: t screens them).
+inline int yNaNScreen(F32x4 y) {
+    return signMask32(cmpGt32(sub32(bitsOf(y) & splat32(kAbs32), splat32(1)), splat32(kYNaNScreen)));
+}
+
+// Eight elements; the y of lane l is ys[l] and its widening yd[l].  The
+// kernel has no branch on the values: all eight results are made, then the
+// screens on x, y and t decide.
+inline bool powBlock(const float* src, const float* ys, const double* yd, bool screenY, float* dst) {
+    const F32x4 x0 = load(src), x1 = load(src + 4);
+    int reject = positiveNormalScreen(x0) | positiveNormalScreen(x1);
+    if (screenY) reject |= yNaNScreen(load(ys)) | yNaNScreen(load(ys + 4));
+    float out[8];
+    bool big = false;
+    for (int l = 0; l < 8; ++l) {
+        const double t = yd[l] * log32(double(src[l]));
+        big |= !tPasses(t);
+        out[l] = expBlock(t);
+    }
+    if (reject != 0 || big) return false;
+    store(dst, load(out));
+    store(dst + 4, load(out + 4));
+    return true;
+}
+
+inline void powArrays(const float* x, const float* y, float* dst, int32_t len, StatusVar& status) {
+    wholeBlockFallback<8>(
+        len,
+        [&](int32_t i) {
+            double yd[8];
+            for (int l = 0; l < 8; ++l) yd[l] = y[i + l];
+            return powBlock(x + i, y + i, yd, true, dst + i);
+        },
+        [&](int32_t i) { dst[i] = powElement(x[i], y[i], double(y[i]), status); });
+}
+
+// Powx: the fast paths first, then the kernel with y widened once.
+template <bool kShortProducts>
+inline void powConstant(const float* x, float y, float* dst, int32_t len, StatusVar& status) {
+    const uint32_t by = bitsOf(y);
+    if (by == kTwo || (kShortProducts && (by == kThree || by == kFour))) {
+        int32_t i = 0;
+        for (; i <= len - 8; i += 8)
+            for (int g = 0; g < 8; g += 4) {
+                const F32x4 v = load(x + i + g), sq = v * v;
+                store(dst + i + g, by == kTwo ? sq : by == kThree ? sq * v : sq * sq);
+            }
+        for (; i < len; ++i) {
+            const float v = x[i], sq = v * v;
+            dst[i] = by == kTwo ? sq : by == kThree ? sq * v : sq * sq;
+        }
+        return;
+    }
+    const double yd = y;
+    auto element = [&](int32_t i) { dst[i] = powElement(x[i], y, yd, status); };
+    if ((by & kAbs32) > kPosInf32) {  // a NaN exponent: every element by the ElementPath
+        for (int32_t i = 0; i < len; ++i) element(i);
+        return;
+    }
+    const double yds[8] = {yd, yd, yd, yd, yd, yd, yd, yd};
+    wholeBlockFallback<8>(len, [&](int32_t i) { return powBlock(x + i, nullptr, yds, false, dst + i); }, element);
+}
+
+}  // namespace
+}  // namespace orv
+
+using namespace orv;
+
+// The three tiers of Pow are one routine.
+ORV_EXPORT OrvStatus orvsPow_32f_A11(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len) {
+    return pointersFirstFrame<kGuardNearest>({src1, src2, dst}, len,
+                                             [&](StatusVar& status) { powArrays(src1, src2, dst, len, status); });
+}
+ORV_EXPORT OrvStatus orvsPow_32f_A21(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len) {
+    return pointersFirstFrame<kGuardNearest>({src1, src2, dst}, len,
+                                             [&](StatusVar& status) { powArrays(src1, src2, dst, len, status); });
+}
+ORV_EXPORT OrvStatus orvsPow_32f_A24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len) {
+    return pointersFirstFrame<kGuardNearest>({src1, src2, dst}, len,
+                                             [&](StatusVar& status) { powArrays(src1, src2, dst, len, status); });
+}
+
+// The constant is pinned after the guard's entry, so that no arithmetic on
+// it moves ahead of the mode change.
+ORV_EXPORT OrvStatus orvsPowx_32f_A11(const Orv32f* src, Orv32f constant, Orv32f* dst, int32_t len) {
+    return pointersFirstFrame<kGuardNearest>({src, dst}, len, [&](StatusVar& status) {
+        powConstant<true>(src, opaque(constant), dst, len, status);
+    });
+}
+ORV_EXPORT OrvStatus orvsPowx_32f_A21(const Orv32f* src, Orv32f constant, Orv32f* dst, int32_t len) {
+    return pointersFirstFrame<kGuardNearest>({src, dst}, len, [&](StatusVar& status) {
+        powConstant<true>(src, opaque(constant), dst, len, status);
+    });
+}
+ORV_EXPORT OrvStatus orvsPowx_32f_A24(const Orv32f* src, Orv32f constant, Orv32f* dst, int32_t len) {
+    return pointersFirstFrame<kGuardNearest>({src, dst}, len, [&](StatusVar& status) {
+        powConstant<false>(src, opaque(constant), dst, len, status);
+    });
+}
+
+ORV_ACCURACY(orvsPow_32f_A11, 2.97, ORV_RANGE(0, 16, -16, 16), ORV_RANGE(0.97, 1.03, -4000, 4000), ORV_RANGE(0.999, 1.001, -1e5, 1e5), ORV_RANGE(0.997, 1.003, -45000, 45000), ORV_RANGE(0, 3.4e38, -100, 100), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38));
+ORV_ACCURACY(orvsPow_32f_A21, 2.73, ORV_RANGE(0, 16, -16, 16), ORV_RANGE(0.97, 1.03, -4000, 4000), ORV_RANGE(0.999, 1.001, -1e5, 1e5), ORV_RANGE(0.997, 1.003, -45000, 45000), ORV_RANGE(0, 3.4e38, -100, 100), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38));
+ORV_ACCURACY(orvsPow_32f_A24, 0.676, ORV_RANGE(0, 16, -16, 16), ORV_RANGE(0.97, 1.03, -4000, 4000), ORV_RANGE(0.999, 1.001, -1e5, 1e5), ORV_RANGE(0, 3.4e38, -100, 100), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_EXCLUDE_MAGNITUDES(0.97, 1.03, 4096, INFINITY));
+ORV_ACCURACY(orvsPowx_32f_A11, 2.64, ORV_RANGE(0, 16, -16, 16), ORV_RANGE(0.97, 1.03, -4000, 4000), ORV_RANGE(0.999, 1.001, -1e5, 1e5), ORV_RANGE(0.997, 1.003, -45000, 45000), ORV_RANGE(0, 3.4e38, -100, 100), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38));
+ORV_ACCURACY(orvsPowx_32f_A21, 2.82, ORV_RANGE(0, 16, -16, 16), ORV_RANGE(0.97, 1.03, -4000, 4000), ORV_RANGE(0.999, 1.001, -1e5, 1e5), ORV_RANGE(0.997, 1.003, -45000, 45000), ORV_RANGE(0, 3.4e38, -100, 100), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38));
+ORV_ACCURACY(orvsPowx_32f_A24, 0.658, ORV_RANGE(0, 16, -16, 16), ORV_RANGE(0.97, 1.03, -4000, 4000), ORV_RANGE(0.999, 1.001, -1e5, 1e5), ORV_RANGE(0, 3.4e38, -100, 100), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_EXCLUDE_MAGNITUDES(0.97, 1.03, 4096, INFINITY));
