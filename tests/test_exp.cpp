@@ -3,6 +3,7 @@
 // zero limits and A26's documented failure), the flags of the saturated
 // results, the screens' edges in every lane, the A53 put-back against a
 // read-only source, and subnormal results under the caller's flush modes.
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <string>
@@ -66,114 +67,108 @@ TEST(ExpSpecialValues, ZerosDenormalsAndInfinities) {
     checkZerosAndInfinities(k64, f64(1));
 }
 
+// One input and the result and status it must give, as bit patterns.
+template <class T, class U>
+struct Case {
+    ExpFn<T> fn;
+    U x, y;
+    OrvStatus status;
+};
+template <class T, class U>
+void expectCases(std::initializer_list<Case<T, U>> cases) {
+    for (const auto& c : cases) {
+        OrvStatus s;
+        EXPECT_EQ(bits(expOne(c.fn, std::bit_cast<T>(c.x), &s)), c.y) << std::hex << c.x;
+        EXPECT_EQ(s, c.status) << std::hex << c.x;
+    }
+}
+const auto kA11 = orvsExp_32f_A11, kA21 = orvsExp_32f_A21, kA24 = orvsExp_32f_A24;
+const auto kA26 = orvsExp_64f_A26, kA50 = orvsExp_64f_A50, kA53 = orvsExp_64f_A53;
+constexpr OrvStatus kOk = orvStatusOk, kOver = orvStatusOverflow, kUnder = orvStatusUnderflow;
+
+// NaNs: A11 returns the input unchanged, also a signalling one; A21, A24,
+// A26 and A50 quiet it by x + x; A53 returns all 64 bits set.
 TEST(ExpSpecialValues, NaNsPerTier) {
-    const float sNaN32 = f32(0x7FA00001), negQNaN32 = f32(0xFFC00002);
-    OrvStatus s;
-    EXPECT_EQ(bits(expOne(orvsExp_32f_A11, sNaN32, &s)), 0x7FA00001u);  // unchanged, still signalling
-    EXPECT_EQ(s, orvStatusOk);
-    EXPECT_EQ(bits(expOne(orvsExp_32f_A11, negQNaN32)), 0xFFC00002u);
-    for (auto fn : {orvsExp_32f_A21, orvsExp_32f_A24}) {
-        EXPECT_EQ(bits(expOne(fn, sNaN32)), 0x7FE00001u);  // quieted
-        EXPECT_EQ(bits(expOne(fn, negQNaN32)), 0xFFC00002u);
-    }
-    const double sNaN64 = f64(0x7FF4000000000001), negQNaN64 = f64(0xFFF8000000000002);
-    for (auto fn : {orvsExp_64f_A26, orvsExp_64f_A50}) {
-        EXPECT_EQ(bits(expOne(fn, sNaN64)), 0x7FFC000000000001u);
-        EXPECT_EQ(bits(expOne(fn, negQNaN64)), 0xFFF8000000000002u);
-    }
-    EXPECT_EQ(bits(expOne(orvsExp_64f_A53, sNaN64, &s)), 0xFFFFFFFFFFFFFFFFu);
-    EXPECT_EQ(s, orvStatusOk);
-    EXPECT_EQ(bits(expOne(orvsExp_64f_A53, negQNaN64)), 0xFFFFFFFFFFFFFFFFu);
+    expectCases<float, uint32_t>({{kA11, 0x7FA00001, 0x7FA00001, kOk},
+                                  {kA11, 0xFFC00002, 0xFFC00002, kOk},
+                                  {kA21, 0x7FA00001, 0x7FE00001, kOk},
+                                  {kA24, 0x7FA00001, 0x7FE00001, kOk},
+                                  {kA24, 0xFFC00002, 0xFFC00002, kOk}});
+    expectCases<double, uint64_t>({{kA26, 0x7FF4000000000001, 0x7FFC000000000001, kOk},
+                                   {kA50, 0xFFF8000000000002, 0xFFF8000000000002, kOk},
+                                   {kA53, 0x7FF4000000000001, 0xFFFFFFFFFFFFFFFF, kOk},
+                                   {kA53, 0xFFF8000000000002, 0xFFFFFFFFFFFFFFFF, kOk}});
 }
 
-// The overflow limit is the first value whose exponential rounds to +inf;
-// the value just below it is the largest finite result, reached through the
-// two-step scaling (n = 128 or 1024).
-TEST(ExpLimits, OverflowEdge) {
-    const float limit32 = f32(0x42B17218), below32 = f32(0x42B17217);  // 88.72283935546875 and below
+// The limits, each with its neighbour on the other side.  Overflow from
+// 88.72283935546875 (0x42B17218) and 709.7827128933841; at the last double
+// below, A26's one-term reduction gives r = 0 exactly and its top scaling
+// 2 * 2^1023 overflows with no status.  Zero limits: A21 from ln 2^-150,
+// A24 from ln 2^-149 (it flushes where e^x lies between the two, so at
+// -103.5 A21 gives the smallest subnormal and A24 +0), the 64f tiers from
+// ln 2^-1075; A11 saturates only beyond +-160, its wide path rounds to zero
+// before.  Subnormal results carry orvStatusUnderflow.
+TEST(ExpLimits, OverflowUnderflowAndZero) {
+    expectCases<float, uint32_t>({{kA11, 0x42B17218, 0x7F800000, kOver},
+                                  {kA21, 0x42B17218, 0x7F800000, kOver},
+                                  {kA24, 0x42B17218, 0x7F800000, kOver},
+                                  {kA21, 0xC2CF0000, 0x00000001, kUnder},  // -103.5
+                                  {kA24, 0xC2CF0000, 0x00000000, kUnder},
+                                  {kA21, 0xC2CFF1B5, 0x00000000, kUnder},
+                                  {kA21, 0xC2CFF1B4, 0x00000001, kUnder},
+                                  {kA24, 0xC2CE8ED1, 0x00000000, kUnder},
+                                  {kA24, 0xC2CE8ED0, 0x00000001, kUnder},
+                                  {kA11, 0xC2F00000, 0x00000000, kUnder},  // -120
+                                  {kA11, 0xF149F2CA, 0x00000000, kUnder},  // -1e30
+                                  {kA11, 0x7149F2CA, 0x7F800000, kOver}});
+    expectCases<double, uint64_t>({{kA26, 0x40862E42FEFA39F0, 0x7FF0000000000000, kOver},
+                                   {kA50, 0x40862E42FEFA39F0, 0x7FF0000000000000, kOver},
+                                   {kA53, 0x40862E42FEFA39F0, 0x7FF0000000000000, kOver},
+                                   {kA26, 0x40862E42FEFA39EF, 0x7FF0000000000000, kOk},
+                                   {kA26, 0xC0874910D52D3052, 0, kUnder},
+                                   {kA50, 0xC0874910D52D3052, 0, kUnder},
+                                   {kA53, 0xC0874910D52D3052, 0, kUnder},
+                                   {kA26, 0xC0874910D52D3051, 1, kUnder},
+                                   {kA50, 0xC0874910D52D3051, 1, kUnder},
+                                   {kA53, 0xC0874910D52D3051, 1, kUnder}});
+}
+
+// Near the limits the values themselves: the largest finite results, by
+// the two-step scaling (n = 128 or 1024), within each tier (A50 and A53
+// also at the last double below the overflow limit, where e^x rounds to
+// 0x7FEFFFFFFFFFFF2A); the first subnormal result and the last normal one.
+TEST(ExpLimits, ResultsNearTheLimits) {
+    OrvStatus s;
+    const float below32 = f32(0x42B17217), underflow32 = f32(0xC2AEAC50);
     for (const auto& m : k32) {
-        SCOPED_TRACE(m.name);
-        OrvStatus s;
-        EXPECT_SAME_BITS(expOne(m.fn, limit32, &s), INFINITY);
-        EXPECT_EQ(s, orvStatusOverflow);
         const double tol = std::string(m.name) == "A11" ? 1e-3 : 3e-7;
-        EXPECT_NEAR(expOne(m.fn, below32, &s) / std::exp(double(below32)), 1.0, tol);
+        EXPECT_NEAR(expOne(m.fn, below32, &s) / std::exp(double(below32)), 1.0, tol) << m.name;
         EXPECT_EQ(s, orvStatusOk);
-    }
-    const double limit64 = f64(0x40862E42FEFA39F0);  // 709.7827128933841
-    for (const auto& m : k64) {
-        SCOPED_TRACE(m.name);
-        OrvStatus s;
-        EXPECT_SAME_BITS(expOne(m.fn, limit64, &s), double(INFINITY));
-        EXPECT_EQ(s, orvStatusOverflow);
-        // 709.78 and the first x of n = 1024 in A53 take the two-step scaling.
-        const double tol = std::string(m.name) == "A26" ? 1e-7 : 1e-15;
-        for (double x : {709.78, f64(0x40862E37E7D8BA72)}) {
-            EXPECT_NEAR(expOne(m.fn, x, &s) / std::exp(x), 1.0, tol) << x;
-            EXPECT_EQ(s, orvStatusOk) << x;
-        }
-    }
-}
-
-// At the last double below the overflow limit A26's one-term reduction
-// gives r = 0 exactly, and its top scaling 2 * 2^1023 overflows with no
-// status; the finer reductions of A50 and A53 give the finite result.
-TEST(ExpLimits, LastDoubleBelowOverflow) {
-    const double x = f64(0x40862E42FEFA39EF);
-    OrvStatus s;
-    EXPECT_SAME_BITS(expOne(orvsExp_64f_A26, x, &s), double(INFINITY));
-    EXPECT_EQ(s, orvStatusOk);
-    const uint64_t exact = 0x7FEFFFFFFFFFFF2A;  // e^x correctly rounded
-    for (auto fn : {orvsExp_64f_A50, orvsExp_64f_A53}) {
-        const uint64_t got = bits(expOne(fn, x, &s));
-        EXPECT_LE(got > exact ? got - exact : exact - got, fn == orvsExp_64f_A53 ? 1u : 3u);
-        EXPECT_EQ(s, orvStatusOk);
-    }
-}
-
-TEST(ExpLimits, UnderflowAndZeroLimits) {
-    const float smallest = f32(1);
-    OrvStatus s;
-    // A24 flushes where e^x lies between 2^-150 and 2^-149; A21 rounds.
-    EXPECT_SAME_BITS(expOne(orvsExp_32f_A24, -103.5f, &s), 0.0f);
-    EXPECT_EQ(s, orvStatusUnderflow);
-    EXPECT_SAME_BITS(expOne(orvsExp_32f_A21, -103.5f, &s), smallest);
-    EXPECT_EQ(s, orvStatusUnderflow);
-    EXPECT_SAME_BITS(expOne(orvsExp_32f_A24, f32(0xC2CE8ED1)), 0.0f);
-    EXPECT_SAME_BITS(expOne(orvsExp_32f_A24, f32(0xC2CE8ED0)), smallest);
-    EXPECT_SAME_BITS(expOne(orvsExp_32f_A21, f32(0xC2CFF1B5)), 0.0f);
-    EXPECT_SAME_BITS(expOne(orvsExp_32f_A21, f32(0xC2CFF1B4)), smallest);
-    // A11 saturates only beyond +-160; the wide path rounds to zero before.
-    EXPECT_SAME_BITS(expOne(orvsExp_32f_A11, -120.0f, &s), 0.0f);
-    EXPECT_EQ(s, orvStatusUnderflow);
-    EXPECT_SAME_BITS(expOne(orvsExp_32f_A11, -1e30f, &s), 0.0f);
-    EXPECT_EQ(s, orvStatusUnderflow);
-    EXPECT_SAME_BITS(expOne(orvsExp_32f_A11, 1e30f, &s), INFINITY);
-    EXPECT_EQ(s, orvStatusOverflow);
-
-    // Subnormal float results are rounded once from double: the bits of the
-    // correctly rounded result, where the tiers' bounds would allow more.
-    const float underflowLimit = f32(0xC2AEAC50);  // -87.3365478515625
-    for (const auto& m : k32) {
-        SCOPED_TRACE(m.name);
-        for (float x : {underflowLimit, -90.5f, -95.123f, -102.9f}) {
-            EXPECT_SAME_BITS(expOne(m.fn, x, &s), float(std::exp(double(x)))) << x;
+        // Subnormal results are rounded once from double: the correctly
+        // rounded bits, where the tiers' bounds would allow more.
+        for (float x : {underflow32, -90.5f, -95.123f, -102.9f}) {
+            EXPECT_SAME_BITS(expOne(m.fn, x, &s), float(std::exp(double(x)))) << m.name << " " << x;
             EXPECT_EQ(s, orvStatusUnderflow);
         }
-        EXPECT_GE(expOne(m.fn, std::nextafter(underflowLimit, 0.0f), &s), f32(0x00800000));
+        EXPECT_GE(expOne(m.fn, std::nextafter(underflow32, 0.0f), &s), f32(0x00800000)) << m.name;
         EXPECT_EQ(s, orvStatusOk);
     }
-
-    const double zeroLimit = f64(0xC0874910D52D3052), subLimit = f64(0xC086232BDD7ABCD3);
+    const double subnormal64 = f64(0xC086232BDD7ABCD3);
     for (const auto& m : k64) {
-        SCOPED_TRACE(m.name);
-        EXPECT_SAME_BITS(expOne(m.fn, zeroLimit, &s), 0.0);
+        const double tol = std::string(m.name) == "A26" ? 1e-7 : 1e-15;
+        for (double x : {709.78, f64(0x40862E37E7D8BA72)}) {
+            EXPECT_NEAR(expOne(m.fn, x, &s) / std::exp(x), 1.0, tol) << m.name << " " << x;
+            EXPECT_EQ(s, orvStatusOk);
+        }
+        EXPECT_LT(expOne(m.fn, subnormal64, &s), 0x1p-1022) << m.name;
         EXPECT_EQ(s, orvStatusUnderflow);
-        EXPECT_SAME_BITS(expOne(m.fn, std::nextafter(zeroLimit, 0.0), &s), f64(1));
-        EXPECT_EQ(s, orvStatusUnderflow);
-        EXPECT_LT(expOne(m.fn, subLimit, &s), 0x1p-1022);
-        EXPECT_EQ(s, orvStatusUnderflow);
-        EXPECT_GE(expOne(m.fn, std::nextafter(subLimit, 0.0), &s), 0x1p-1022);
+        EXPECT_GE(expOne(m.fn, std::nextafter(subnormal64, 0.0), &s), 0x1p-1022) << m.name;
+        EXPECT_EQ(s, orvStatusOk);
+    }
+    const uint64_t exact = 0x7FEFFFFFFFFFFF2A;
+    for (auto fn : {kA50, kA53}) {
+        const uint64_t got = bits(expOne(fn, f64(0x40862E42FEFA39EF), &s));
+        EXPECT_LE(got > exact ? got - exact : exact - got, fn == kA53 ? 1u : 3u);
         EXPECT_EQ(s, orvStatusOk);
     }
 }
