@@ -1,7 +1,8 @@
 # Runs a fit script, src/<dir>/fit_<name>.sollya, twice and compares what it
 # prints with what is committed: the whole header src/<dir>/<name>.h when
 # that file exists, else the lines between "// ---- begin fit_<name>" and
-# "// ---- end fit_<name>" in the one file of src/<dir> that holds them.
+# "// ---- end fit_<name>" (which may be indented) in the one file of
+# src/<dir> that holds them.
 # Scripts run from src/, where they find tables/fitting.sollya.
 if(NOT SOLLYA)
   message(FATAL_ERROR "sollya not found: run tools/install-deps, then configure again")
@@ -50,7 +51,11 @@ else()
     if(stop EQUAL -1)
       message(FATAL_ERROR "${file}: block fit_${name} has no end marker")
     endif()
+    # Up to the end of the line before the end marker, which may be indented.
     string(SUBSTRING "${text}" 0 ${stop} committed)
+    string(FIND "${committed}" "\n" eol REVERSE)
+    math(EXPR eol "${eol} + 1")
+    string(SUBSTRING "${committed}" 0 ${eol} committed)
   endforeach()
   if(NOT target)
     message(FATAL_ERROR "no ${dir}/${name}.h and no block \"${begin}\" in ${dir}")
