@@ -181,10 +181,14 @@ TEST(SharedDivision, InvScreenLimits) {
     }
     const double in[8] = {f64(0x2FF6A09F00000000), -f64(0x4FEFFFFEFFFFFFFF), 1.0 / 3.0, -7e76,
                           f64(0x2FF6A09F12345678), f64(0x4FEFFFFE00000001), 1e-70, 3.5};
-    double r[8];
+    double r[8], r50[8];
     for (int len : {8, 7}) {
         ASSERT_EQ(orvsInv_64f_A26(in, r, len), orvStatusOk);
-        for (int i = 0; i < len; ++i) EXPECT_LE(ulpDistance(r[i], 1.0 / in[i]), 3) << i;
+        ASSERT_EQ(orvsInv_64f_A50(in, r50, len), orvStatusOk);
+        for (int i = 0; i < len; ++i) {
+            EXPECT_LE(ulpDistance(r[i], 1.0 / in[i]), 3) << i;
+            EXPECT_SAME_BITS(r50[i], r[i]);  // two functions over one division
+        }
     }
 }
 
