@@ -184,34 +184,83 @@ inline int yNaNScreen(F32x4 y) {
     return signMask32(cmpGt32(sub32(bitsOf(y) & splat32(kAbs32), splat32(1)), splat32(kYNaNScreen)));
 }
 
-// Eight elements; the y of lane l is ys[l] and its widening yd[l].  The
-// kernel has no branch on the values: all eight results are made, then the
+// The block's kernel on four lanes, the same operations as the scalar
+// kernels above in the same order, so that the bits agree: ln x in double
+// on two pairs, t = y ln x, then the float tail of the exponential on all
+// four.  Table rows are read by index, two of them per pair.
+constexpr uint64_t kFractionMask64 = 0x000FFFFFFFFFFFFF;
+constexpr uint64_t kOne64 = 0x3FF0000000000000;
+
+inline F64x2 log32(F64x2 x) {
+    const I32x4 b = bitsOf(x);
+    // The row numbers, from the high words (32-bit lanes 1 and 3).
+    const I32x4 rows = shr32<4>(add32(shr32<8>(b) & splat32(0xFF8), splat32(8)) & splat32(0x1FF0));
+    const tables::PowLogRow32& r0 = tables::kPowLog32[lane0of64(rows) >> 32];
+    const tables::PowLogRow32& r1 = tables::kPowLog32[lane1of64(rows) >> 32];
+    const F64x2 row0 = loadAligned(&r0.t), row1 = loadAligned(&r1.t);
+    const F64x2 t = unpackLo(row0, row1), rcp = unpackHi(row0, row1);
+    const F64x2 m = asF64x2((b & splat64(kFractionMask64)) | splat64(kOne64));
+    // The biased exponent through the shifter, less the bias: exactly e.
+    const F64x2 ed = asF64x2(add64(shr64<52>(b), splat64(bitsOf(kShifter52)))) - splat(kShifter52 + 1023.0);
+    const F64x2 mr = (asF64x2(bitsOf(m) | splat64(kTieUp)) + splat(kRound8)) - splat(kRound8);
+    const F64x2 r = (m - mr) * rcp;
+    const F64x2 p = ((splat(kC3) * r + splat(kC2)) * r) * r + r;
+    return p + (ed * splat(kLn2) + t);
+}
+
+// Four results from two pairs of t; and the lanes whose |t| fails the
+// screen.
+struct Exp4 {
+    F32x4 result;
+    int rejected;
+};
+inline Exp4 expBlock(F64x2 t0, F64x2 t1) {
+    const int rejected = signMask32(cmpGt32(highWords(t0, t1) & splat32(kAbs32), splat32(kTScreen)));
+    const F64x2 s0 = t0 * splat(kInvLn2x128) + splat(kShifter52), s1 = t1 * splat(kInvLn2x128) + splat(kShifter52);
+    const F64x2 f0 = t0 - (s0 - splat(kShifter52)) * splat(kLn2by128);
+    const F64x2 f1 = t1 - (s1 - splat(kShifter52)) * splat(kLn2by128);
+    const F32x4 f = narrow(f0, f1);
+    const I32x4 k = lowWords(s0, s1);
+    const I32x4 j = k & splat32(kIndexMask);
+    const uint64_t j01 = lane0of64(j), j23 = lane1of64(j);
+    using tables::kExp2HeadTail32;
+    const F32x4 rows01 = unpackLo(loadPair(&kExp2HeadTail32[uint32_t(j01)].head),
+                                  loadPair(&kExp2HeadTail32[uint32_t(j01 >> 32)].head));
+    const F32x4 rows23 = unpackLo(loadPair(&kExp2HeadTail32[uint32_t(j23)].head),
+                                  loadPair(&kExp2HeadTail32[uint32_t(j23 >> 32)].head));
+    const F32x4 th = lowHalves(rows01, rows23), tt = highHalves(rows01, rows23);
+    const F32x4 scale = asF32x4(add32(shl32<16>(k), splat32(kOneField32)) & splat32(kField32));
+    return {((splat(0.5f) * (f * f) + (tt + f)) * th + th) * scale, rejected};
+}
+
+// Eight elements, with y from ys (Pow) or the widened constant (Powx, ys
+// null).  All eight results are made with no branch on the values, then the
 // screens on x, y and t decide.
-inline bool powBlock(const float* src, const float* ys, const double* yd, bool screenY, float* dst) {
-    const F32x4 x0 = load(src), x1 = load(src + 4);
-    int reject = positiveNormalScreen(x0) | positiveNormalScreen(x1);
-    if (screenY) reject |= yNaNScreen(load(ys)) | yNaNScreen(load(ys + 4));
-    float out[8];
-    bool big = false;
-    for (int l = 0; l < 8; ++l) {
-        const double t = yd[l] * log32(double(src[l]));
-        big |= !tPasses(t);
-        out[l] = expBlock(t);
+inline bool powBlock(const float* src, const float* ys, F64x2 yConstant, float* dst) {
+    F32x4 y[2] = {};
+    const F32x4 x[2] = {load(src), load(src + 4)};
+    int reject = positiveNormalScreen(x[0]) | positiveNormalScreen(x[1]);
+    if (ys) {
+        y[0] = load(ys);
+        y[1] = load(ys + 4);
+        reject |= yNaNScreen(y[0]) | yNaNScreen(y[1]);
     }
-    if (reject != 0 || big) return false;
-    store(dst, load(out));
-    store(dst + 4, load(out + 4));
+    F32x4 out[2];
+    for (int g = 0; g < 2; ++g) {
+        const F64x2 yLow = ys ? widenLow(y[g]) : yConstant, yHigh = ys ? widenHigh(y[g]) : yConstant;
+        const Exp4 e = expBlock(yLow * log32(widenLow(x[g])), yHigh * log32(widenHigh(x[g])));
+        out[g] = e.result;
+        reject |= e.rejected;
+    }
+    if (reject != 0) return false;
+    store(dst, out[0]);
+    store(dst + 4, out[1]);
     return true;
 }
 
 inline void powArrays(const float* x, const float* y, float* dst, int32_t len, StatusVar& status) {
     wholeBlockFallback<8>(
-        len,
-        [&](int32_t i) {
-            double yd[8];
-            for (int l = 0; l < 8; ++l) yd[l] = y[i + l];
-            return powBlock(x + i, y + i, yd, true, dst + i);
-        },
+        len, [&](int32_t i) { return powBlock(x + i, y + i, zeroF64x2(), dst + i); },
         [&](int32_t i) { dst[i] = powElement(x[i], y[i], double(y[i]), status); });
 }
 
@@ -238,8 +287,8 @@ inline void powConstant(const float* x, float y, float* dst, int32_t len, Status
         for (int32_t i = 0; i < len; ++i) element(i);
         return;
     }
-    const double yds[8] = {yd, yd, yd, yd, yd, yd, yd, yd};
-    wholeBlockFallback<8>(len, [&](int32_t i) { return powBlock(x + i, nullptr, yds, false, dst + i); }, element);
+    const F64x2 yds = splat(yd);
+    wholeBlockFallback<8>(len, [&](int32_t i) { return powBlock(x + i, nullptr, yds, dst + i); }, element);
 }
 
 }  // namespace
