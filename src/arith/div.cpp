@@ -241,6 +241,10 @@ constexpr double kSeedLimit = floatFromBits(division::kSeedBias + division::kSee
 constexpr double kAboveSeedLimit = floatFromBits(division::kSeedBias + division::kSeedSpan + 1);
 constexpr const char* kSeedFlushes =
     "2^126 passes the block's screen, and a processor whose rcpps flushes the tiny reciprocal gives 0 there";
+// By design of A26 and A50, a quotient depends on its neighbours.
+constexpr const char* kSharedDivision =
+    "one x87 division serves four quotients: in a block a quotient comes through the product of the four "
+    "divisors, alone through its own divisor's fourth power";
 
 }  // namespace
 
@@ -257,23 +261,32 @@ ORV_RECORDS(
     // of magnitude 2^126.
     {.member = "orvsDiv_32f_A11",
      .maxUlp = 6145,
+     .worst = {0x1.ed85e4p-91, -0x1.f95e7ep-107},
      .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), {Interval{-1e30, 1e30}, kBelowNormal32}},
      .exclusions = {excludeMagnitudes({kAllMagnitudes, {kSeedLimit, kAboveSeedLimit}}, kSeedFlushes)}},
     {.member = "orvsDiv_32f_A21",
      .maxUlp = 3.96,
+     .worst = {-0x1.eb176ap-73, 0x1.eb7afcp-51},
      .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), {Interval{-1e30, 1e30}, kBelowNormal32}},
      .exclusions = {excludeMagnitudes({kAllMagnitudes, {kSeedLimit, kAboveSeedLimit}}, kSeedFlushes)}},
     {.member = "orvsDiv_32f_A24",
      .maxUlp = 0.5,
+     .worst = {0x1p-149, 0x1p+1},
      .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), {Interval{-1e30, 1e30}, kBelowNormal32}}},
     {.member = "orvsDiv_64f_A26",
      .maxUlp = 0.502,
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), {kFinite64, kBelowNormal64}}},
+     .worst = {0x1.78db8b637fbc2p-92, -0x0.4c2b3d26fb689p-1022},
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), {kFinite64, kBelowNormal64}},
+     .position = {kSharedDivision, 1}},
     {.member = "orvsDiv_64f_A50",
      .maxUlp = 0.502,
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), {kFinite64, kBelowNormal64}}},
+     .worst = {-0x1.a03c87052a03p+5, -0x1.b8f2eb3c1e7cep+9},
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), {kFinite64, kBelowNormal64}},
+     .position = {kSharedDivision, 1},
+     .sameAs = "orvsDiv_64f_A26"},
     {.member = "orvsDiv_64f_A53",
      .maxUlp = 0.5,
+     .worst = {0x0.0000000000001p-1022, 0x1p+1},
      .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), {kFinite64, kBelowNormal64}}}
 )
 }  // namespace orv

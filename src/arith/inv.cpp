@@ -221,8 +221,14 @@ using namespace records;
 // The top of the seed tiers' screen, 2^126, and the float above it.
 constexpr double kSeedLimit = floatFromBits(division::kSeedBias + division::kSeedSpan);
 constexpr double kAboveSeedLimit = floatFromBits(division::kSeedBias + division::kSeedSpan + 1);
+// The limit of the shared division's screen, 2^256.
+constexpr double kSharedLimit = 0x1p256;
 constexpr const char* kSeedFlushes =
     "2^126 passes the block's screen, and a processor whose rcpps flushes the tiny reciprocal gives 0 there";
+// By design of A26 and A50, a reciprocal depends on its neighbours.
+constexpr const char* kSharedDivision =
+    "one vector division serves eight reciprocals: in a block a reciprocal comes through the product of its "
+    "lane-mates, alone through its own fourth power";
 
 }  // namespace
 
@@ -241,26 +247,35 @@ ORV_RECORDS(
     // tests pin it); elsewhere A50 stays at 3.09.
     {.member = "orvsInv_32f_A11",
      .maxUlp = 6144,
+     .worst = {-0x1.04affep-36},
      .ranges = {kOrdinary, kFinite32, kBelowNormal32},
      .exclusions = {excludeMagnitudes({{kSeedLimit, kAboveSeedLimit}}, kSeedFlushes)}},
     {.member = "orvsInv_32f_A21",
      .maxUlp = 2.87,
+     .worst = {0x1.03006cp+9},
      .ranges = {kOrdinary, kFinite32, kBelowNormal32},
      .exclusions = {excludeMagnitudes({{kSeedLimit, kAboveSeedLimit}}, kSeedFlushes)}},
     {.member = "orvsInv_32f_A24",
      .maxUlp = 0.5,
+     .worst = {0x1.213212p-86},
      .ranges = {kOrdinary, kFinite32, kBelowNormal32}},
     {.member = "orvsInv_64f_A26",
      .maxUlp = 4.85,
-     .ranges = {kOrdinary, kFinite64, Interval{-1.15e77, 1.15e77}, kBelowNormal64}},
+     .worst = {0x1.faad014dda79cp+255},
+     .ranges = {kOrdinary, kFinite64, symmetric(kSharedLimit), kBelowNormal64},
+     .position = {kSharedDivision, 5}},
     {.member = "orvsInv_64f_A50",
      .maxUlp = 3.1,
-     .ranges = {kOrdinary, kFinite64, Interval{-1.15e77, 1.15e77}, kBelowNormal64},
-     .exclusions = {excludeMagnitudes({{0x1p254, 0x1p256}},
+     .worst = {0x1.04dd285f265fp+7},
+     .ranges = {kOrdinary, kFinite64, symmetric(kSharedLimit), kBelowNormal64},
+     .exclusions = {excludeMagnitudes({{0x1p254, kSharedLimit}},
                                       "a round whose four lane-mates all lie there has a denormal 1/M and "
-                                      "reaches 4.85 ulp")}},
+                                      "reaches 4.85 ulp")},
+     .position = {kSharedDivision, 5},
+     .sameAs = "orvsInv_64f_A26"},
     {.member = "orvsInv_64f_A53",
      .maxUlp = 0.5,
+     .worst = {0x1.af9699548000dp-816},
      .ranges = {kOrdinary, kFinite64, kBelowNormal64}}
 )
 }  // namespace orv

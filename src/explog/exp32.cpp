@@ -443,17 +443,20 @@ std::vector<Box> expRanges(uint32_t screen) {
 ORV_RECORDS(
     {.member = "orvsExp_32f_A11",
      .maxUlp = 2160,
-     .worst = {},
-     .ranges = expRanges(kScreen11)},
+     .worst = {floatFromBits(0x428F7B42)},
+     .ranges = expRanges(kScreen11),
+     .peerVectors = "exp"},
     {.member = "orvsExp_32f_A21",
      .maxUlp = 1.97,
-     .worst = {},
-     .ranges = expRanges(kScreen21)},
+     .worst = {0x1.8d3714p+2},
+     .ranges = expRanges(kScreen21),
+     .peerVectors = "exp"},
     // The largest error is where A24 flushes to +0 an e^x just below the
     // smallest subnormal; 0.569 ulp elsewhere.
     {.member = "orvsExp_32f_A24",
      .maxUlp = 0.999992,
      .worst = {floatFromBits(kZeroLimit24)},
-     .ranges = expRanges(kScreen21)})
+     .ranges = expRanges(kScreen21),
+     .peerVectors = "exp"})
 }  // namespace orv
 #endif

@@ -342,18 +342,21 @@ std::vector<Box> expRanges() {
 ORV_RECORDS(
     {.member = "orvsExp_64f_A26",
      .maxUlp = 2.98e7,
-     .worst = {},
+     .worst = {0x1.62e3d73b22475p+9},
      .ranges = expRanges(),
      .exclusions = {excludePoint({doubleFromBits(kOverflowLimit - 1)},
                                  "the last double below the overflow limit is 131072 C itself, so r = 0 and the top "
-                                 "scaling gives +inf with no status")}},
+                                 "scaling gives +inf with no status")},
+     .peerVectors = "exp"},
     {.member = "orvsExp_64f_A50",
      .maxUlp = 3.66,
      .worst = {675.79954781112031},
-     .ranges = expRanges()},
+     .ranges = expRanges(),
+     .peerVectors = "exp"},
     {.member = "orvsExp_64f_A53",
      .maxUlp = 0.76,
      .worst = {-708.45663944213027},
-     .ranges = expRanges()})
+     .ranges = expRanges(),
+     .peerVectors = "exp"})
 }  // namespace orv
 #endif

@@ -258,21 +258,27 @@ ORV_RECORDS(
     // inputs on the AMD machine of our runs).
     {.member = "orvsSqrt_32f_A11",
      .maxUlp = 6145,
+     .worst = {0x1.df2fe8p+127},
      .ranges = {Interval{0.0, 1e4}, Interval{1e4, FLT_MAX}, Interval{0.0, FLT_MIN}}},
     {.member = "orvsSqrt_32f_A21",
      .maxUlp = 3.27,
+     .worst = {0x1.f720f4p-79},
      .ranges = {Interval{0.0, 1e4}, Interval{1e4, FLT_MAX}, Interval{0.0, FLT_MIN}}},
     {.member = "orvsSqrt_32f_A24",
      .maxUlp = 0.889,
+     .worst = {0x1.360f2p-129},
      .ranges = {Interval{0.0, 1e4}, Interval{1e4, FLT_MAX}, Interval{0.0, FLT_MIN}}},
     {.member = "orvsSqrt_64f_A26",
      .maxUlp = 367000,
+     .worst = {0x1.df2febd5414c7p-693},
      .ranges = {Interval{0.0, 1e4}, Interval{1e4, DBL_MAX}, Interval{0.0, DBL_MIN}}},
     {.member = "orvsSqrt_64f_A50",
-     .maxUlp = 1.97,
+     .maxUlp = 1.971,
+     .worst = {0x1.fa4ca71e24c4fp+1023},
      .ranges = {Interval{0.0, 1e4}, Interval{1e4, DBL_MAX}, Interval{0.0, DBL_MIN}}},
     {.member = "orvsSqrt_64f_A53",
      .maxUlp = 0.604,
+     .worst = {0x1.864c8b5848b35p+1023},
      .ranges = {Interval{0.0, 1e4}, Interval{1e4, DBL_MAX}, Interval{0.0, DBL_MIN}}}
 )
 }  // namespace orv
