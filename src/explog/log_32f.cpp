@@ -341,33 +341,45 @@ ORV_EXPORT OrvStatus orvsLog10_32f_A24(const Orv32f* src, Orv32f* dst, int32_t l
 #include "frame/record.h"
 
 namespace orv {
+namespace {
+using namespace records;
+
+// Every member samples the ordinary range, all positive normals, the
+// denormals (the scaled path) and the neighbourhood of 1, where the result
+// is small.
+std::vector<Box> logRanges() {
+    return {Interval{1e-3, 1e3}, kPositiveNormal32, kPositiveDenormal32, Interval{0.98, 1.02}};
+}
+
+}  // namespace
+
 ORV_RECORDS(
     // Ordinary range first; then all positive normals, the denormals (scale
     // path) and the neighbourhood of 1, where the result is small.
     {.member = "orvsLn_32f_A11",
      .maxUlp = 977,
      .worst = {0x1.e10e56p-1},
-     .ranges = {Interval{1e-3, 1e3}, kPositiveNormal32, kPositiveDenormal32, Interval{0.98, 1.02}},
+     .ranges = logRanges(),
      .peerVectors = "log"},
     {.member = "orvsLn_32f_A21",
      .maxUlp = 1.29,
      .worst = {0x1.02017ap+0},
-     .ranges = {Interval{1e-3, 1e3}, kPositiveNormal32, kPositiveDenormal32, Interval{0.98, 1.02}},
+     .ranges = logRanges(),
      .peerVectors = "log"},
     {.member = "orvsLn_32f_A24",
      .maxUlp = 0.567,
      .worst = {0x1.f8ffdp-1},
-     .ranges = {Interval{1e-3, 1e3}, kPositiveNormal32, kPositiveDenormal32, Interval{0.98, 1.02}},
+     .ranges = logRanges(),
      .peerVectors = "log"},
     {.member = "orvsLog10_32f_A11",
      .maxUlp = 969,
      .worst = {0x1.dc84a4p-1},
-     .ranges = {Interval{1e-3, 1e3}, kPositiveNormal32, kPositiveDenormal32, Interval{0.98, 1.02}},
+     .ranges = logRanges(),
      .peerVectors = "log10"},
     {.member = "orvsLog10_32f_A21",
      .maxUlp = 1.76,
      .worst = {0x1.fee224p-1},
-     .ranges = {Interval{1e-3, 1e3}, kPositiveNormal32, kPositiveDenormal32, Interval{0.98, 1.02}},
+     .ranges = logRanges(),
      .peerVectors = "log10"},
     // Log10 A24: rows 126 and 127 of its table hold the same R as row 128, so
     // their head and tail are zero and B is exactly 0 for x in 0x3F7D8155 ..
@@ -378,7 +390,7 @@ ORV_RECORDS(
     {.member = "orvsLog10_32f_A24",
      .maxUlp = 0.991,
      .worst = {0x1.fb01b2p-1},
-     .ranges = {Interval{1e-3, 1e3}, kPositiveNormal32, kPositiveDenormal32, Interval{0.98, 1.02}},
+     .ranges = logRanges(),
      .exclusions = {excludeMagnitudes({{0x1.fb02aap-1, 0x1.fb62f4p-1}}, 
                                       "rows 126 and 127 hold the same R as row 128, so B is 0 and ul joins A in a "
                                       "rounded addition: up to 1.01933 ulp")},

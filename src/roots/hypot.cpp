@@ -403,6 +403,18 @@ namespace orv {
 namespace {
 using namespace records;
 
+// Both components ordinary, finite, below the low limit of the kernel (in
+// binary64 the two binades of the low band and two more), and below the
+// smallest normal.
+std::vector<Box> ranges32() {
+    return {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2),
+            repeated(kBelowNormal32, 2)};
+}
+std::vector<Box> ranges64() {
+    return {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(symmetric(0x1p-508), 2),
+            repeated(kBelowNormal64, 2)};
+}
+
 constexpr const char* kLowBand =
     "where the larger magnitude lies in the two binades below the kernel's low limit, the kernel reaches its top "
     "tier's bound; the tests pin it";
@@ -417,68 +429,68 @@ ORV_RECORDS(
     {.member = "orvsHypot_32f_A11",
      .maxUlp = 1.34,
      .worst = {0x1.05f1d6p-63, 0x1.23518cp-67},
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)},
+     .ranges = ranges32(),
      .sameAs = "orvsHypot_32f_A24",
      .peerVectors = "hypot"},
     {.member = "orvsHypot_32f_A21",
      .maxUlp = 1.34,
      .worst = {0x1.05f1d6p-63, 0x1.23518cp-67},
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)},
+     .ranges = ranges32(),
      .sameAs = "orvsHypot_32f_A24",
      .peerVectors = "hypot"},
     {.member = "orvsHypot_32f_A24",
      .maxUlp = 0.60,
      .worst = {-0x1.9dd8f8p+9, 0x1.2ae8f2p+9},
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)},
+     .ranges = ranges32(),
      .exclusions = {excludeMagnitudes({{0x1p-64, 0x1p-62}, {0.0, 0x1p-62}}, kLowBand), excludeMagnitudes({{0.0, 0x1p-62}, {0x1p-64, 0x1p-62}}, kLowBand)},
      .peerVectors = "hypot"},
     {.member = "orvsAbs_32fc_A11",
      .maxUlp = 1.34,
      .worst = {0x1.05f1d6p-63, 0x1.23518cp-67},
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)},
+     .ranges = ranges32(),
      .sameAs = "orvsAbs_32fc_A24"},
     {.member = "orvsAbs_32fc_A21",
      .maxUlp = 1.34,
      .worst = {0x1.05f1d6p-63, 0x1.23518cp-67},
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)},
+     .ranges = ranges32(),
      .sameAs = "orvsAbs_32fc_A24"},
     {.member = "orvsAbs_32fc_A24",
      .maxUlp = 0.60,
      .worst = {-0x1.dfd3f4p-66, 0x1.162452p-62},
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)},
+     .ranges = ranges32(),
      .exclusions = {excludeMagnitudes({{0x1p-64, 0x1p-62}, {0.0, 0x1p-62}}, kLowBand), excludeMagnitudes({{0.0, 0x1p-62}, {0x1p-64, 0x1p-62}}, kLowBand)}},
     {.member = "orvsHypot_64f_A26",
      .maxUlp = 1.15,
      .worst = {0x1.8683f3d6c3cdcp-512, 0x1.8b6363994426p-512},
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)},
+     .ranges = ranges64(),
      .sameAs = "orvsHypot_64f_A53",
      .peerVectors = "hypot"},
     {.member = "orvsHypot_64f_A50",
      .maxUlp = 1.15,
      .worst = {0x1.8683f3d6c3cdcp-512, 0x1.8b6363994426p-512},
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)},
+     .ranges = ranges64(),
      .sameAs = "orvsHypot_64f_A53",
      .peerVectors = "hypot"},
     {.member = "orvsHypot_64f_A53",
      .maxUlp = 0.99999999,
      .worst = {-0x1.7dbf1280b663fp-1021, -0x1.c3a649f5905d4p-1022},
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)},
+     .ranges = ranges64(),
      .exclusions = {excludeMagnitudes({{0x1p-512, 0x1p-510}, {0.0, 0x1p-510}}, kLowBand), excludeMagnitudes({{0.0, 0x1p-510}, {0x1p-512, 0x1p-510}}, kLowBand)},
      .peerVectors = "hypot"},
     {.member = "orvsAbs_64fc_A26",
      .maxUlp = 1.15,
      .worst = {0x1.8683f3d6c3cdcp-512, 0x1.8b6363994426p-512},
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)},
+     .ranges = ranges64(),
      .sameAs = "orvsAbs_64fc_A53"},
     {.member = "orvsAbs_64fc_A50",
      .maxUlp = 1.15,
      .worst = {0x1.8683f3d6c3cdcp-512, 0x1.8b6363994426p-512},
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)},
+     .ranges = ranges64(),
      .sameAs = "orvsAbs_64fc_A53"},
     {.member = "orvsAbs_64fc_A53",
      .maxUlp = 0.99999999,
      .worst = {0x0.4ffd17b34d1e4p-1022, 0x1.aef41c929476dp-1021},
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)},
+     .ranges = ranges64(),
      .exclusions = {excludeMagnitudes({{0x1p-512, 0x1p-510}, {0.0, 0x1p-510}}, kLowBand), excludeMagnitudes({{0.0, 0x1p-510}, {0x1p-512, 0x1p-510}}, kLowBand)}}
 )
 }  // namespace orv

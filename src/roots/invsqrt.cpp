@@ -308,6 +308,20 @@ ORV_EXPORT OrvStatus orvsInvSqrt_64f_A53(const Orv64f* src, Orv64f* dst, int32_t
 #include "frame/record.h"
 
 namespace orv {
+namespace {
+using namespace records;
+
+// The ordinary range, the positive normals below and above it, and the
+// positive denormals.
+std::vector<Box> ranges32() {
+    return {Interval{1e-4, 1e4}, Interval{FLT_MIN, 1e-4}, Interval{1e4, FLT_MAX}, kPositiveDenormal32};
+}
+std::vector<Box> ranges64() {
+    return {Interval{1e-4, 1e4}, Interval{DBL_MIN, 1e-4}, Interval{1e4, DBL_MAX}, kPositiveDenormal64};
+}
+
+}  // namespace
+
 ORV_RECORDS(
     // A11 stops at the seed, whose bits differ between processor makers: its
     // record is the seed's architectural bound, a relative error of 1.5 * 2^-12,
@@ -316,15 +330,15 @@ ORV_RECORDS(
     {.member = "orvsInvSqrt_32f_A11",
      .maxUlp = 6145,
      .worst = {0x1.10cf9cp+56},
-     .ranges = {Interval{1e-4, 1e4}, Interval{FLT_MIN, 1e-4}, Interval{1e4, FLT_MAX}, kPositiveDenormal32}},
+     .ranges = ranges32()},
     {.member = "orvsInvSqrt_32f_A21",
      .maxUlp = 2.63,
      .worst = {0x1.0541c6p-14},
-     .ranges = {Interval{1e-4, 1e4}, Interval{FLT_MIN, 1e-4}, Interval{1e4, FLT_MAX}, kPositiveDenormal32}},
+     .ranges = ranges32()},
     {.member = "orvsInvSqrt_32f_A24",
      .maxUlp = 0.979,
      .worst = {0x1.072942p+4},
-     .ranges = {Interval{1e-4, 1e4}, Interval{FLT_MIN, 1e-4}, Interval{1e4, FLT_MAX}, kPositiveDenormal32},
+     .ranges = ranges32(),
      .position = {"a rejected block of eight is computed whole by the slow route, sqrt(x)/x in binary64: "
                   "an ordinary element beside a special one gets the slow route's result, alone the block formula's",
                   1},
@@ -332,16 +346,16 @@ ORV_RECORDS(
     {.member = "orvsInvSqrt_64f_A26",
      .maxUlp = 0.999,
      .worst = {0x1.0f2eb4642e6f8p+4},
-     .ranges = {Interval{1e-4, 1e4}, Interval{DBL_MIN, 1e-4}, Interval{1e4, DBL_MAX}, kPositiveDenormal64}},
+     .ranges = ranges64()},
     {.member = "orvsInvSqrt_64f_A50",
      .maxUlp = 0.999,
      .worst = {0x1.090f10889c8b1p+10},
-     .ranges = {Interval{1e-4, 1e4}, Interval{DBL_MIN, 1e-4}, Interval{1e4, DBL_MAX}, kPositiveDenormal64},
+     .ranges = ranges64(),
      .sameAs = "orvsInvSqrt_64f_A26"},
     {.member = "orvsInvSqrt_64f_A53",
      .maxUlp = 0.501,
      .worst = {0x1.b0b879c49d5c9p-509},
-     .ranges = {Interval{1e-4, 1e4}, Interval{DBL_MIN, 1e-4}, Interval{1e4, DBL_MAX}, kPositiveDenormal64}}
+     .ranges = ranges64()}
 )
 }  // namespace orv
 #endif

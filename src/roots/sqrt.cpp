@@ -251,6 +251,16 @@ ORV_EXPORT OrvStatus orvsSqrt_64f_A53(const Orv64f* src, Orv64f* dst, int32_t le
 #include "frame/record.h"
 
 namespace orv {
+namespace {
+using namespace records;
+
+// The ordinary range, the rest of the positive line, and the values below
+// the smallest normal.
+std::vector<Box> ranges32() { return {Interval{0.0, 1e4}, Interval{1e4, FLT_MAX}, Interval{0.0, FLT_MIN}}; }
+std::vector<Box> ranges64() { return {Interval{0.0, 1e4}, Interval{1e4, DBL_MAX}, Interval{0.0, DBL_MIN}}; }
+
+}  // namespace
+
 ORV_RECORDS(
     // A11 stops at the seed, whose bits differ between processor makers: its
     // record is the seed's architectural bound, a relative error of 1.5 * 2^-12,
@@ -259,27 +269,27 @@ ORV_RECORDS(
     {.member = "orvsSqrt_32f_A11",
      .maxUlp = 6145,
      .worst = {0x1.df2fe8p+127},
-     .ranges = {Interval{0.0, 1e4}, Interval{1e4, FLT_MAX}, Interval{0.0, FLT_MIN}}},
+     .ranges = ranges32()},
     {.member = "orvsSqrt_32f_A21",
      .maxUlp = 3.27,
      .worst = {0x1.f720f4p-79},
-     .ranges = {Interval{0.0, 1e4}, Interval{1e4, FLT_MAX}, Interval{0.0, FLT_MIN}}},
+     .ranges = ranges32()},
     {.member = "orvsSqrt_32f_A24",
      .maxUlp = 0.889,
      .worst = {0x1.360f2p-129},
-     .ranges = {Interval{0.0, 1e4}, Interval{1e4, FLT_MAX}, Interval{0.0, FLT_MIN}}},
+     .ranges = ranges32()},
     {.member = "orvsSqrt_64f_A26",
      .maxUlp = 367000,
      .worst = {0x1.df2febd5414c7p-693},
-     .ranges = {Interval{0.0, 1e4}, Interval{1e4, DBL_MAX}, Interval{0.0, DBL_MIN}}},
+     .ranges = ranges64()},
     {.member = "orvsSqrt_64f_A50",
      .maxUlp = 1.971,
      .worst = {0x1.fa4ca71e24c4fp+1023},
-     .ranges = {Interval{0.0, 1e4}, Interval{1e4, DBL_MAX}, Interval{0.0, DBL_MIN}}},
+     .ranges = ranges64()},
     {.member = "orvsSqrt_64f_A53",
      .maxUlp = 0.604,
      .worst = {0x1.864c8b5848b35p+1023},
-     .ranges = {Interval{0.0, 1e4}, Interval{1e4, DBL_MAX}, Interval{0.0, DBL_MIN}}}
+     .ranges = ranges64()}
 )
 }  // namespace orv
 #endif
