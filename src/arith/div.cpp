@@ -13,10 +13,9 @@
 //        final quotient is rounded to binary64.
 //   A53  the vector hardware division a/b, two at a time.
 //
-// Measured accuracy, in ulps of the correctly rounded quotient (random
-// pairs over the whole binary32 or binary64 range, with normal, huge, tiny
-// and denormal quotients): A11 5291, A21 3.96, A24 0.5, A26/A50 0.502,
-// A53 0.5.  A11 and A21 depend on the processor's rcpps; on the build
+// Accuracy, measured on random pairs over the whole binary32 or binary64
+// range, with normal, huge, tiny and denormal quotients (the maxima are in
+// the records).  A11 and A21 depend on the processor's rcpps; on the build
 // machine its relative error is at most 3.15e-4 (2^-11.63), so A11 keeps
 // 11.6 bits, and the Newton step's at most 2.06e-7, which A21 turns into
 // at most 2.06e-7 * 2^24 + 0.5 = 3.96 ulp once the product with a is
@@ -257,8 +256,8 @@ ORV_RECORDS(
     // magnitude exactly 2^126 in a passing block, where a processor whose rcpps
     // flushes the tiny reciprocal gives 0 (and NaN for an infinite numerator).
     // A11 records the seed's architectural bound, 1.5 * 2^-12 relative plus the
-    // product's rounding (5291 ulp measured here); both leave out the divisors
-    // of magnitude 2^126.
+    // product's rounding, and the worst input of the build machine; both leave
+    // out the divisors of magnitude 2^126.
     {.member = "orvsDiv_32f_A11",
      .maxUlp = 6145,
      .worst = {0x1.ed85e4p-91, -0x1.f95e7ep-107},

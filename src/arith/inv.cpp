@@ -11,11 +11,9 @@
 //        multiplications and one division where a plain form pays eight.
 //   A53  the vector hardware division 1/x, two at a time.
 //
-// Measured accuracy, in ulps of the correctly rounded reciprocal: A11
-// 4763 (relative 2^-11.63) and A21 2.87 over all 2^32 inputs (both depend
-// on the processor's rcpps; these are the build machine's figures), A24
-// and A53 0.5, A26/A50 3.09 in general and 4.85 at the top of the screen
-// (random and directed inputs over the whole binary64 range).
+// Accuracy: measured over all 2^32 inputs for binary32 (A11 and A21 depend
+// on the processor's rcpps) and on random and directed inputs over the
+// whole binary64 range; each member's maximum is in its record.
 //
 // Error of the shared division.  In B*(Q*R) the rounding of Q cancels;
 // those of P, P*Q, R, Q*R and the final product remain.  P and Q*R (about
@@ -25,8 +23,8 @@
 // holds while R is normal.  When the four elements of one lane group (i,
 // i+2, i+4, i+6, or i+1, i+3, ...) are all above about 2^254 in magnitude,
 // P*Q reaches 2^1022 and R = 1/(P*Q) is a denormal of as few as 50 bits:
-// the error grows to about 5 ulp, 4.85 measured for one element just above
-// 2^255 and three just below 2^256.  That corner is the one place where
+// the error grows to about 5 ulp, for one element just above 2^255 and
+// three just below 2^256.  That corner is the one place where
 // the A50 member exceeds 4 ulp.  The ElementPath's route through x^4 stays
 // below 3.3 ulp.
 //
@@ -235,16 +233,12 @@ constexpr const char* kSharedDivision =
 ORV_RECORDS(
     // 32f: all 2^32 inputs, each in a passing block and in the ElementPath.
     // A11 is the seed itself, whose bits differ between processor makers: its
-    // record is the seed's architectural bound, a relative error of 1.5 * 2^-12
-    // (6144 ulp just below a power of two; 4763 measured on the AMD machine of
-    // our runs).  A21 is that machine's measurement.  Both leave out +-2^126,
-    // whose block result is 0 where rcpps flushes the tiny reciprocal (the
-    // ElementPath gives the exact 2^-126).  64f: random inputs over the whole
+    // maximum is the seed's architectural bound, a relative error of
+    // 1.5 * 2^-12, and its worst input the one of the AMD machine of our runs.
+    // A21 is that machine's measurement.  64f: random inputs over the whole
     // range, the screen's range and its ends, and a directed search at the top
-    // of the screen, where the A26/A50 maximum lies (see above): A50 leaves out
-    // magnitudes from 2^254 to the screen's limit, where a round whose four
-    // lane-mates all lie there has a denormal 1/M and reaches 4.85 ulp (the
-    // tests pin it); elsewhere A50 stays at 3.09.
+    // of the screen, where the A26/A50 maximum lies (see above), in a block
+    // whose lane-mates are not copies of the worst input.
     {.member = "orvsInv_32f_A11",
      .maxUlp = 6144,
      .worst = {-0x1.04affep-36},

@@ -34,11 +34,9 @@
 // by value in [0.5, 2], 2.6 million next to 1 from both sides, 3 million
 // at and around the row edges (the row-256 edge in every binade among
 // them), 0.8 million denormals and 0.8 million next to powers of two:
-//   Ln    A50 = A53 0.580 ulp; A26 21.59 correct bits (2.87e9 ulp).
-//   Log10 A50 = A53 0.582 ulp; A26 21.59 correct bits (2.49e9 ulp).
-// A26 keeps 26 correct bits only outside about [0.9975, 1.0186]: there the
-// result is of the size of r, and the term r^3/3 that the quadratic leaves
-// out costs up to 2^-21.59 relative, worst at x just below 1 + 2^-10 (row
+// the maxima are in the records.  A26 keeps 26 correct bits only outside
+// about [0.9975, 1.0186]: there the result is of the size of r, and the
+// term r^3/3 that the quadratic leaves out costs up to 2^-21.59 relative, worst at x just below 1 + 2^-10 (row
 // 0, r close to 2^-10).  Elsewhere A26 has 29 or more correct bits.
 //
 // Special values.  +0, -0: -inf and orvStatusSingularity.  Negative x
@@ -299,8 +297,6 @@ constexpr const char* kShortSeries =
 }  // namespace
 
 ORV_RECORDS(
-    // Ordinary range first; then all positive normals, the denormals (scale
-    // path) and the neighbourhood of 1, where the result is small.
     // A26 evaluates log(1 + r) as r - r^2/2: the missing r^3/3, with |r| up to
     // 2^-10, is 2^-21.6 of a result the size of r when x is near 1.  Below 26
     // correct bits only for x in about [0.99755, 1.01858]; the records leave

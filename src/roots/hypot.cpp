@@ -42,16 +42,17 @@
 //
 // Accuracy, measured against a binary64 (binary32 kernel) or MPFR (binary64
 // kernel) reference on random pairs over the whole exponent range, with
-// close and distant magnitudes, denormal pairs and overflowing results:
-//   binary32  0.60 ulp, but 1.34 ulp in the block when the larger magnitude
+// close and distant magnitudes, denormal pairs and overflowing results;
+// the maxima are in the records.
+//   binary32  the block leaves its top tier when the larger magnitude
 //             lies in [2^-64, 2^-62): s is normal and passes the screen
 //             while lo and the residual terms are subnormal and lose bits
 //             to gradual underflow.  The ElementPath keeps the kernel above
-//             2^-62 and stays below 0.6 ulp.
-//   binary64  0.76 ulp, but 1.15 ulp in the block when the larger magnitude
-//             lies in [2^-512, 2^-510), for the same reason; and a result
-//             in the subnormal range is the sum of two terms each rounded
-//             to the subnormal grid, up to 0.99999998 ulp.
+//             2^-62.
+//   binary64  likewise when the larger magnitude lies in [2^-512,
+//             2^-510); and a result in the subnormal range is the sum of
+//             two terms each rounded to the subnormal grid, which comes
+//             close to one ulp.
 // No warnings: every completed call returns orvStatusOk.  PointersFirstFrame,
 // guard nearest.
 #include "frame/blockpath.h"
