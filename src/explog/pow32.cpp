@@ -21,11 +21,16 @@
 //   and denormal results come from that one rounding, with no status.
 //
 // Tiers.  The three Pow tiers are one routine, and Powx's A11 and A21 are
-// one routine; Powx A24 differs from them only in its fast paths.  All six
-// meet A24's bound: the error is the float tail's (0.5 ulp of the final
-// rounding, plus the dropped f^3/6 and Tt f terms and the roundings of the
-// tail, about 2^-25 relative) and the logarithm's share, 2^-52 |t|, which is
-// 2^-46 of an ulp at |t| = 87.  Measured maxima are in the records.
+// one routine; Powx A24 differs from them only in its fast paths.  The
+// error is the float tail's (0.5 ulp of the final rounding, plus the
+// dropped f^3/6 and Tt f terms and the roundings of the tail, about 2^-25
+// relative) and the logarithm's share.  That share is set by the cubic in
+// r: it errs by up to r^4/4, 2^-38 absolute at the edges of a row, so t
+// carries up to |y| 2^-38.  For |y| below 4096 that stays under 2^-26
+// relative and every member is below 1 ulp; a larger |y| with a finite,
+// nonzero result needs |x| within 0.03 of 1, and there the error reaches
+// about 3 ulp (x within 2^-9 of 1, |y ln x| near 87): inside the bounds of
+// A11 and A21, and excluded from A24's measurement with its reason.
 //
 // Powx takes its exponent once: it is widened ahead of the loop, and a NaN
 // exponent sends the whole array through the ElementPath.  Fast paths come

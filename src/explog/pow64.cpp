@@ -27,13 +27,19 @@
 //   A50 and A26 multiply Th by a polynomial in f of degree 5 and 2.
 //
 // Tiers and their errors (measured maxima in the records):
-//   A53: log2 x as Hs + Ls to about 2^-100 relative; the product's
-//        dropped terms yl Hl Ls-sized are below 2^-104 |y log2 x|, so f is
-//        good to about 2^-63 absolute for |y log2 x| < 1100; the
-//        polynomial of degree 5 errs by 2^-66; the last addition of Th is
-//        the one large rounding.  Below 1 ulp everywhere.
-//   A50: 65 rows, log2 x by degree 8, the product without yl Hl: f good to
-//        2^-60 or so; 2^f by degree 5 with Th alone (2^-53 relative).
+//   A53: log2 x as Hs + Ls; its polynomial errs by about 2^-76 absolute
+//        (the rounding of its coefficients), which |y| multiplies: at most
+//        about 2^-56 in f where |y log2 x| reaches the thresholds.  The
+//        product keeps every partial term; 2^f by degree 5 errs by 2^-60.7
+//        relative; the last addition of Th is the one large rounding.
+//        Below 1 ulp on every input measured, x next to 1 with the
+//        largest |y| included.
+//   A50: 65 rows, log2 x by degree 8, which errs by up to 2^-65.4 absolute
+//        at the edges of a row; the product without yl Hl; 2^f by degree 5
+//        with Th alone (2^-53 relative).  The logarithm's error is
+//        multiplied by y: for |y| below 8192 the result stays within 4
+//        ulp, while x within 0.1 of 1 with a larger |y| reaches about 13
+//        ulp, which the record excludes with its reason.
 //   A26: 1025 rows, log2 x as one double, t = y L rounded once: the
 //        relative error grows with |t| (2^-53 |t| ln 2), about 2^-43 at the
 //        overflow edge; 2^f by degree 2 errs by 2^-28.
