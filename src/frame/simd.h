@@ -187,6 +187,49 @@ inline uint32_t lane0(I32x4 a) { return uint32_t(_mm_cvtsi128_si32(a.v)); }
 inline uint64_t lane0of64(I32x4 a) { return uint64_t(_mm_cvtsi128_si64(a.v)); }
 inline uint64_t lane1of64(I32x4 a) { return uint64_t(_mm_cvtsi128_si64(_mm_unpackhi_epi64(a.v, a.v))); }
 
+// ---- Operand order of the commutative operations ------------------------------
+// With both operands NaN, addps and mulps (and addss, mulss) give the first
+// operand's NaN, made quiet.  GCC takes a + b and a * b, scalar or vector,
+// as commutative and may swap the operands, so which NaN comes out would
+// depend on register allocation, and a scalar twin of a vector formula (a
+// peel or a tail) could disagree with it.  Where that choice is visible (a
+// member whose both operands come from the caller), these forms fix it: the
+// first operand is the instruction's destination.  Operands are taken in
+// registers only, since the legacy encodings fault on an unaligned memory
+// operand.
+inline F32x4 addOrdered(F32x4 a, F32x4 b) {
+    asm("addps %1, %0" : "+x"(a.v) : "x"(b.v));
+    return a;
+}
+inline F64x2 addOrdered(F64x2 a, F64x2 b) {
+    asm("addpd %1, %0" : "+x"(a.v) : "x"(b.v));
+    return a;
+}
+inline F32x4 mulOrdered(F32x4 a, F32x4 b) {
+    asm("mulps %1, %0" : "+x"(a.v) : "x"(b.v));
+    return a;
+}
+inline F64x2 mulOrdered(F64x2 a, F64x2 b) {
+    asm("mulpd %1, %0" : "+x"(a.v) : "x"(b.v));
+    return a;
+}
+inline float addOrdered(float a, float b) {
+    asm("addss %1, %0" : "+x"(a) : "x"(b));
+    return a;
+}
+inline double addOrdered(double a, double b) {
+    asm("addsd %1, %0" : "+x"(a) : "x"(b));
+    return a;
+}
+inline float mulOrdered(float a, float b) {
+    asm("mulss %1, %0" : "+x"(a) : "x"(b));
+    return a;
+}
+inline double mulOrdered(double a, double b) {
+    asm("mulsd %1, %0" : "+x"(a) : "x"(b));
+    return a;
+}
+
 // ---- Raw-bit views -------------------------------------------------------
 inline I32x4 bitsOf(F32x4 a) { return {_mm_castps_si128(a.v)}; }
 inline I32x4 bitsOf(F64x2 a) { return {_mm_castpd_si128(a.v)}; }
