@@ -57,6 +57,7 @@
 #include "frame/accuracy.h"
 #include "frame/blockpath.h"
 #include "frame/frame.h"
+#include "frame/x87.h"
 #include "roots/rsqrt_seed.h"
 
 namespace orv {
@@ -128,12 +129,17 @@ inline bool insideKernel32(uint32_t magnitude) {
 // Both squares are exact in the x87 format (48 significant bits, exponent
 // range far beyond binary32's); the sum and the root round to 64 bits and
 // the store to binary32, so the result is within a hair of correct
-// rounding and overflows or underflows only in that last rounding.
+// rounding and overflows or underflows only in that last rounding.  All of
+// it runs under 64-bit precision and rounding to nearest whatever the
+// caller left in the x87 word: this member guards MXCSR only, so the word
+// is set here, for this path alone.
 float x87Hypot(float a, float b) {
-    long double A = a, B = b;
-    long double s = A * A + B * B;
-    asm("fsqrt" : "+t"(s));
-    return float(s);
+    return inX87Mode<kX87Extended>(
+        [](float a, float b) {
+            Extended A = extend(a), B = extend(b);
+            return roundToFloat(sqrtX87(A * A + B * B));
+        },
+        a, b);
 }
 
 float hypotElement32(float a, float b) {
