@@ -12,10 +12,12 @@
 namespace orv {
 namespace {
 
-// One operation for scalars and vectors alike.
+// One operation for scalars and vectors alike.  The commutative ones keep
+// their operand order (simd.h), so that of two NaN operands src1's comes
+// out, made quiet, in the peel, the rounds and the tail alike.
 struct AddOp {
     template <class V>
-    V operator()(V a, V b) const { return a + b; }
+    V operator()(V a, V b) const { return addOrdered(a, b); }
 };
 struct SubOp {
     template <class V>
@@ -23,7 +25,7 @@ struct SubOp {
 };
 struct MulOp {
     template <class V>
-    V operator()(V a, V b) const { return a * b; }
+    V operator()(V a, V b) const { return mulOrdered(a, b); }
 };
 struct SqrOp {
     template <class V>
