@@ -120,7 +120,7 @@ void divideRound24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t 
 // can overflow or underflow, where the true quotient does.
 bool productInFloatRange(Extended m) {
     uint32_t word = bitsOf(roundToFloat(m));
-    return (word & kAbs32) != 0 && (word & division::kInf32) != division::kInf32;
+    return (word & kAbs32) != 0 && (word & kInfinity32) != kInfinity32;
 }
 
 // Error: every step is rounded at 64-bit precision.  In b1*(q*r) the
@@ -206,7 +206,7 @@ ORV_EXPORT OrvStatus orvsDiv_32f_A21(const Orv32f* src1, const Orv32f* src2, Orv
 }
 ORV_EXPORT OrvStatus orvsDiv_32f_A24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len) {
     return pointersFirstFrame<kGuardNearest>({src1, src2, dst}, len, [&](StatusVar& status) {
-        division::plainRounds<4>(
+        plainRounds<4>(
             len, [&](int32_t i) { divideRound24(src1, src2, dst, i, status); },
             [&](int32_t i) { dst[i] = divideWithRule32(src1[i], src2[i], status); });
     });
@@ -219,7 +219,7 @@ ORV_EXPORT OrvStatus orvsDiv_64f_A50(const Orv64f* src1, const Orv64f* src2, Orv
     __attribute__((alias("orvsDiv_64f_A26")));
 ORV_EXPORT OrvStatus orvsDiv_64f_A53(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len) {
     return lengthFirstFrame<kGuardNearestKeepDaz>({src1, src2, dst}, len, [&](StatusVar& status) {
-        division::plainRounds<2>(
+        plainRounds<2>(
             len, [&](int32_t i) { divideRound53(src1, src2, dst, i, status); },
             [&](int32_t i) { dst[i] = divideElement53(src1[i], src2[i], status); });
     });
