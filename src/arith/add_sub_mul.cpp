@@ -4,7 +4,9 @@
 // sense of IEEE arithmetic: the correctly rounded sum, difference or
 // product in the caller's rounding mode.  All the work is in the loop
 // around it (plain_loops.h).  LengthFirstFrame with no guard: len, then the
-// pointers; the caller's MXCSR governs the arithmetic.
+// pointers; the caller's MXCSR governs the arithmetic.  With both operands
+// NaN the result is src1's NaN made quiet, as the vector instructions give
+// it, in every path of the loop.
 #include "arith/plain_loops.h"
 #include "frame/frame.h"
 

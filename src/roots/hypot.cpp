@@ -33,7 +33,8 @@
 // NaN; a NaN gives a NaN made quiet (b's when both are NaN; binary32 clears
 // its sign); a zero operand gives the magnitude of the other.  The rest of
 // binary32 is a*a + b*b and its root in x87 extended arithmetic, whose
-// exponent range has room for both squares, rounded once to binary32.  The
+// exponent range has room for both squares, rounded once to binary32, under
+// an x87 mode of its own (64-bit precision, to nearest).  The
 // rest of binary64 runs the kernel on operands scaled by a power of two
 // (larger magnitude into [1, 2), or by 2^-996 for the top binade, or by
 // 2^1022 when both are denormal) and multiplies the two final terms by the
