@@ -22,7 +22,11 @@
 //                           a = j pi/32 of g(u) = tan(a + u), and for rows 9
 //                           to 23 of g(u) = tan(a + u) + 1/(a + u - pi/2),
 //                           the pole term taken out: positions 14 and 15
-//                           g(0) as a high and a low word; 16 the exact part
+//                           g(0) as a high and a low word, the high word
+//                           rounded in rows 9 to 23 to a multiple of the
+//                           quantum of the 18-bit reciprocal the kernel
+//                           subtracts it from (so that difference is
+//                           exact); 16 the exact part
 //                           of g'(0) (1, 2 or 0 by the row), 17 the rest
 //                           rounded; 3, 5, 7, 9, 11, 13 the coefficients of
 //                           u^2 to u^7 and 0, 1, 2, 4, 6, 8, 10, 12 those of
@@ -36,6 +40,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <cmath>
 #include <cstring>
 
 namespace {
@@ -248,6 +253,17 @@ void tanPhaseTable() {
         // derivatives (1, 2, 1/3 rounded, 2): their low words are 0.
         const bool exactRow = j % 8 == 0;
         row[14] = j == 16 ? 0.0 : mpfr_get_d(g[0], MPFR_RNDN);
+        if (pole && j != 16) {
+            // The kernel forms R' - p14 with R' = 1/w cut to 18 bits; with
+            // p14 a multiple of R''s smallest quantum on the row that
+            // difference is exact.  |w| <= (|16 - j| + 1/2) pi/32, so |R'|
+            // >= 2^e with e below; the quantum is 2^(e - 17), one more bit
+            // for safety, and the rest of g(0) goes to the low word.
+            double wMax = (std::abs(16 - j) + 0.5) * 3.14159265358979 / 32 * 1.001;
+            int e = int(std::floor(std::log2(1.0 / wMax)));
+            double quantum = std::ldexp(1.0, e - 18);
+            row[14] = std::nearbyint(row[14] / quantum) * quantum;
+        }
         mpfr_sub_d(rest, g[0], row[14], MPFR_RNDN);
         row[15] = exactRow ? 0.0 : mpfr_get_d(rest, MPFR_RNDN);
         row[16] = pole ? 0.0 : (j == 7 || j == 8 || j == 24 || j == 25) ? 2.0 : 1.0;
