@@ -193,7 +193,9 @@ TEST(TrigTables, TellingRows) {
         const int evenPowers[] = {3, 7, 11, 0, 2, 6, 10, 14, 15};
         for (int p = 0; p < 18; ++p) EXPECT_EQ(std::fabs(a[p]), std::fabs(b[p])) << j << " " << p;
         for (int p : evenPowers) {
-            if (a[p] != 0) EXPECT_EQ(a[p], -b[p]) << j << " " << p;
+            if (a[p] != 0) {
+                EXPECT_EQ(a[p], -b[p]) << j << " " << p;
+            }
         }
         const bool pole = j >= 9 && j <= 23;
         EXPECT_EQ(a[18], pole ? 1.0 : 0.0);
@@ -390,7 +392,9 @@ TEST(SinCosExports, SignOfZeroAndCosOfZero) {
     for (Fn32 f : {orvsSin_32f_A11, orvsSin_32f_A21}) EXPECT_SAME_BITS(run(f, std::vector<float>{-0.0f})[0], 0.0f);
     EXPECT_SAME_BITS(run(orvsSin_32f_A24, std::vector<float>{-0.0f})[0], -0.0f);
     for (const auto& m : kMembers64) {
-        if (m.kernel == sinKernel64) EXPECT_SAME_BITS(run(m.fn, std::vector<double>{-0.0})[0], 0.0) << m.name;
+        if (m.kernel == sinKernel64) {
+            EXPECT_SAME_BITS(run(m.fn, std::vector<double>{-0.0})[0], 0.0) << m.name;
+        }
     }
     EXPECT_EQ(bits(run(orvsCos_32f_A11, std::vector<float>{0.0f})[0]), 0x3F7FF60Fu);
     // A denormal stays in the 64-bit blocks and comes back itself.
@@ -481,7 +485,9 @@ TEST(SinCosExports, RejectedBlockTouchesOnlyItsOwnElements) {
         in[5] = -INFINITY;
         auto got = run(m.fn, in);
         for (int i = 0; i < 19; ++i) {
-            if (i != 5) EXPECT_SAME_BITS(got[i], i >= 4 && i < 8 ? m.kernel(in[i]) : want[i]) << m.name << " " << i;
+            if (i != 5) {
+                EXPECT_SAME_BITS(got[i], i >= 4 && i < 8 ? m.kernel(in[i]) : want[i]) << m.name << " " << i;
+            }
         }
     }
 }
