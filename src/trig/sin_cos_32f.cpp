@@ -31,7 +31,6 @@
 // and the invalid flag; a NaN comes back quiet with no status.  sin(-0) is
 // +0 in A11 and A21 (the block adds a positive zero), -0 in A24.  cos(0)
 // comes from the polynomial at r = pi/2: 0x3F7FF60F in A11, not 1.
-#include "frame/accuracy.h"
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "frame/simd.h"
@@ -262,13 +261,6 @@ ORV_EXPORT OrvStatus orvsCos_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len
     });
 }
 
-// Read by the accuracy harness until it reads the records below.
-ORV_ACCURACY(orvsSin_32f_A11, 2551.11, ORV_RANGE(-4000, 4000), ORV_RANGE(1e6, 1e20), ORV_RANGE(-3.4e38, 3.4e38));
-ORV_ACCURACY(orvsSin_32f_A21, 2.474, ORV_RANGE(-10000, 10000), ORV_RANGE(1e6, 1e20), ORV_RANGE(-3.4e38, 3.4e38));
-ORV_ACCURACY(orvsSin_32f_A24, 0.8011, ORV_RANGE(-10000, 10000), ORV_RANGE(1e6, 1e20), ORV_RANGE(-3.4e38, 3.4e38));
-ORV_ACCURACY(orvsCos_32f_A11, 2563.99, ORV_RANGE(-10000, 10000), ORV_RANGE(1e6, 1e20), ORV_RANGE(-3.4e38, 3.4e38));
-ORV_ACCURACY(orvsCos_32f_A21, 2.402, ORV_RANGE(-10000, 10000), ORV_RANGE(1e6, 1e20), ORV_RANGE(-3.4e38, 3.4e38));
-ORV_ACCURACY(orvsCos_32f_A24, 0.8012, ORV_RANGE(-10000, 10000), ORV_RANGE(1e6, 1e20), ORV_RANGE(-3.4e38, 3.4e38));
 
 #else
 #include <cmath>

@@ -31,7 +31,6 @@
 // inf), orvStatusDomain and the invalid flag; a NaN comes back quiet with no
 // status; sin(-0) is +0 (the block adds a positive zero); a denormal x stays
 // in the block and gives x, with no status.
-#include "frame/accuracy.h"
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "frame/simd.h"
@@ -192,13 +191,6 @@ ORV_EXPORT OrvStatus orvsCos_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len
 ORV_EXPORT OrvStatus orvsCos_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len)
     __attribute__((alias("orvsCos_64f_A53")));
 
-// Read by the accuracy harness until it reads the records below.
-ORV_ACCURACY(orvsSin_64f_A26, 1.64e7, ORV_RANGE(-90112, 90112), ORV_RANGE(1e6, 1e20), ORV_RANGE(-1.7e308, 1.7e308), ORV_EXCLUDE(80091.763348080422));
-ORV_ACCURACY(orvsSin_64f_A50, 0.5139, ORV_RANGE(-90112, 90112), ORV_RANGE(1e6, 1e20), ORV_RANGE(-1.7e308, 1.7e308));
-ORV_ACCURACY(orvsSin_64f_A53, 0.5139, ORV_RANGE(-90112, 90112), ORV_RANGE(1e6, 1e20), ORV_RANGE(-1.7e308, 1.7e308));
-ORV_ACCURACY(orvsCos_64f_A26, 249544, ORV_RANGE(-90112, 90112), ORV_RANGE(1e6, 1e20), ORV_RANGE(-1.7e308, 1.7e308));
-ORV_ACCURACY(orvsCos_64f_A50, 0.5114, ORV_RANGE(-90112, 90112), ORV_RANGE(1e6, 1e20), ORV_RANGE(-1.7e308, 1.7e308));
-ORV_ACCURACY(orvsCos_64f_A53, 0.5114, ORV_RANGE(-90112, 90112), ORV_RANGE(1e6, 1e20), ORV_RANGE(-1.7e308, 1.7e308));
 
 #else
 #include "frame/record.h"
