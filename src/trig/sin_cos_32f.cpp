@@ -281,21 +281,18 @@ constexpr const char* kRejectedBlock =
 // the product n kSinPi11[1] is rounded: the reduced r carries an absolute
 // error up to n |pi - kPiA - kSinPi11[1]| + 2^-24 n kSinPi11[1].  Within
 // 2^12 times that of n pi, where sin x is that small, fewer than 11 bits
-// can be right (down to none, 2023.18567 being the worst).  These are the
-// floats of that band, n = 1 to 1273: 5202 in all, which hold all 940
+// can be right (down to none, 2023.18567 being the worst).  One box of
+// magnitudes for each n = 1 to 1273, 5202 floats in all: they hold all 940
 // floats where the member measures below 11 bits.
 std::vector<records::Exclusion> nearMultiplesOfPi11() {
-    const double piError = 3.14159265358979323846 - double(kPiA) - double(kSinPi11[1]);
+    constexpr double kPi = 3.14159265358979323846;
+    const double piError = kPi - double(kPiA) - double(kSinPi11[1]);
     std::vector<records::Exclusion> band;
-    for (int n = 1; n * 3.14159265358979323846 <= double(floatFromBits(kSinLimit11)); ++n) {
-        const double centre = n * 3.14159265358979323846;
+    for (int n = 1; n * kPi <= double(floatFromBits(kSinLimit11)); ++n) {
         const double width = 4096 * (n * piError + std::ldexp(n * double(kSinPi11[1]), -24));
-        for (float x = std::nextafter(float(centre - width), 0.0f); x <= float(centre + width);
-             x = std::nextafter(x, INFINITY))
-            if (std::fabs(x - centre) <= width)
-                for (float signedX : {x, -x})
-                    band.push_back(records::excludePoint({signedX}, "within 2^12 times the reduction's error of a "
-                                                           "multiple of pi, where |sin x| is as small"));
+        band.push_back(records::excludeMagnitudes(
+            {records::Interval{n * kPi - width, std::nextafter(n * kPi + width, INFINITY)}},
+            "within 2^12 times the reduction's error of a multiple of pi, where |sin x| is as small"));
     }
     return band;
 }
