@@ -24,12 +24,11 @@
 // element at a time with the same screen, so a value gets the same bits
 // alone as in a passing block.
 //
-// Tiers: the maxima over every float are in the records below (about 2560
-// ulp in A11, 2.5 in A21, 0.80 in A24).  One exception, from the arithmetic
-// as designed: orvsSin_32f_A11's two-part pi with its rounded second
-// product leaves an absolute error of up to n 6e-11 in r, which next to
-// n pi, where sin x is as small, leaves fewer than 11 bits (940 floats, the
-// worst 2023.18567 with none right); its record excludes that band.
+// Tiers: each member meets its own over every float (the records below),
+// but for one exception from the arithmetic as designed: orvsSin_32f_A11's
+// two-part pi with its rounded second product leaves an absolute error
+// growing with n in r, which next to n pi, where sin x is as small, leaves
+// fewer than 11 bits; its record excludes that band.
 //
 // Special values: +-inf gives the default NaN 0xFFC00000, orvStatusDomain
 // and the invalid flag; a NaN comes back quiet with no status.  sin(-0) is
@@ -308,31 +307,37 @@ ORV_RECORDS(
      .worst = {3903.4292f},
      .ranges = {symmetric(floatFromBits(kSinLimit11)), Interval{1e6, 1e20}, kFinite32},
      .exclusions = nearMultiplesOfPi11(),
-     .position = {kRejectedBlock, 7.36e6}},
+     .position = {kRejectedBlock, 7.36e6},
+     .peerVectors = "sin"},
     {.member = "orvsSin_32f_A21",
      .maxUlp = 2.474,
      .worst = {9201.47461f},
      .ranges = {symmetric(floatFromBits(kLimit)), Interval{1e6, 1e20}, kFinite32},
-     .position = {kRejectedBlock, 3}},
+     .position = {kRejectedBlock, 3},
+     .peerVectors = "sin"},
     {.member = "orvsSin_32f_A24",
      .maxUlp = 0.8011,
      .worst = {10.9488859f},
      .ranges = {symmetric(floatFromBits(kLimit)), Interval{1e6, 1e20}, kFinite32},
-     .position = {kRejectedBlock, 1}},
+     .position = {kRejectedBlock, 1},
+     .peerVectors = "sin"},
     {.member = "orvsCos_32f_A11",
      .maxUlp = 2563.99,
      .worst = {9720.08887f},
      .ranges = {symmetric(floatFromBits(kLimit)), Interval{1e6, 1e20}, kFinite32},
-     .position = {kRejectedBlock, 2565}},
+     .position = {kRejectedBlock, 2565},
+     .peerVectors = "cos"},
     {.member = "orvsCos_32f_A21",
      .maxUlp = 2.402,
      .worst = {8986.77637f},
      .ranges = {symmetric(floatFromBits(kLimit)), Interval{1e6, 1e20}, kFinite32},
-     .position = {kRejectedBlock, 3}},
+     .position = {kRejectedBlock, 3},
+     .peerVectors = "cos"},
     {.member = "orvsCos_32f_A24",
      .maxUlp = 0.8012,
      .worst = {3.18800306f},
      .ranges = {symmetric(floatFromBits(kLimit)), Interval{1e6, 1e20}, kFinite32},
-     .position = {kRejectedBlock, 1}})
+     .position = {kRejectedBlock, 1},
+     .peerVectors = "cos"})
 }  // namespace orv
 #endif
