@@ -197,7 +197,7 @@ ORV_EXPORT OrvStatus orvsCos_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len
 
 namespace orv {
 namespace {
-constexpr double kOrdinary = doubleFromWords(kLimit53, 0);  // 90112
+constexpr double kOrdinary = doubleFromBits(uint64_t(kLimit53) << 32);  // 90112
 constexpr const char* kRejectedBlock =
     "a block with an element beyond the screen, an infinity or a NaN goes whole to the double "
     "kernel, whose result may differ from the block's";
