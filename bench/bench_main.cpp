@@ -9,6 +9,7 @@
 //   group  the family and type (Exp_32f); members of one family and type
 //          whose ordinary ranges are equal share a group and its data
 //   input  "ordinary", or "special" with a fraction of special elements
+//          ("range<K>" in place of "ordinary" with --orvvm_range=K)
 //   what   the member (orvsExp_32f_A24) or <kind>:<function>
 //          (scalar:expf, libmvec:_ZGVbN4v_expf, sleef-sse4:Sleef_expf4_u10sse4)
 //
@@ -25,6 +26,10 @@
 //                           the lengths timed on special input too (default
 //                           the smallest: what a rejected block costs shows
 //                           best where the arrays sit in cache)
+//   --orvvm_range=K         take the inputs from the K-th range of each
+//                           record instead of the first (members with
+//                           fewer ranges are left out), say the large
+//                           arguments of the trigonometric members
 //   --orvvm_ratios_out=FILE the ratio table as TSV
 //   --orvvm_progress        one line per benchmark done on stderr
 //   --orvvm_list            list the benchmarks as TSV and exit
@@ -71,6 +76,7 @@ struct Options {
     double special = 0.01;
     std::vector<int32_t> specialSizes;  // empty: the smallest of sizes
     std::string ratiosOut;
+    int range = 1;  // which range of the records, from 1
     bool progress = false;
     bool list = false;
     std::string repeat;
@@ -102,7 +108,11 @@ std::vector<Group> groups;
 std::vector<Entry> entries;
 Options options;
 
-const char* inputName(Input in) { return in == Input::Ordinary ? "ordinary" : "special"; }
+// "ordinary" names the records' first range; another range is "range<K>".
+std::string inputName(Input in) {
+    if (in == Input::Special) return "special";
+    return options.range == 1 ? "ordinary" : "range" + std::to_string(options.range);
+}
 
 // ---- The groups and the benchmarks -----------------------------------------
 
@@ -124,11 +134,13 @@ void buildGroups() {
         // A real K member is timed at a few fixed constants, since its cost
         // depends on the constant (small integers may be multiplied out):
         // one group per constant, the source from the ordinary range.
-        std::vector<Range> ranges = {record->ranges.front()};
+        if (int(record->ranges.size()) < options.range || record->ranges[options.range - 1].excluded()) continue;
+        const Range& chosen = record->ranges[options.range - 1];
+        std::vector<Range> ranges = {chosen};
         if (e->shape == orvtest::Shape::K && !e->isComplex()) {
             ranges.clear();
             for (double c : kBenchConstants) {
-                Range r = record->ranges.front();
+                Range r = chosen;
                 r.bounds[2] = r.bounds[3] = c;
                 ranges.push_back(r);
             }
@@ -282,7 +294,7 @@ void writeRatios(const MedianReporter& medians) {
                 << '\t' << ratio << '\n';
         };
         row("orvvm", m.name, std::to_string(own->elemPerNs), "");
-        std::snprintf(line, sizeof line, "%-26s %8d %-8s %9.3f ", m.name.c_str(), e.size, inputName(e.input),
+        std::snprintf(line, sizeof line, "%-26s %8d %-8s %9.3f ", m.name.c_str(), e.size, inputName(e.input).c_str(),
                       own->elemPerNs);
         table << line;
         for (const Alternative& a : alternativesFor(m)) {
@@ -350,6 +362,8 @@ void parseOptions(int& argc, char** argv) {
             options.specialSizes = parseSizes(v);
         else if (takeOption(argv[i], "--orvvm_special", v))
             options.special = std::strtod(v.c_str(), nullptr);
+        else if (takeOption(argv[i], "--orvvm_range", v))
+            options.range = std::max(1, std::atoi(v.c_str()));
         else if (takeOption(argv[i], "--orvvm_ratios_out", v))
             options.ratiosOut = v;
         else if (takeOption(argv[i], "--orvvm_progress", v))
@@ -392,7 +406,7 @@ int main(int argc, char** argv) {
     if (options.list) {
         for (const Entry& e : entries)
             std::printf("%s\t%s\t%d\t%s\t%s\t%s\n", e.name.c_str(), groups[e.group].name.c_str(), e.size,
-                        inputName(e.input), e.kind.c_str(), e.label.c_str());
+                        inputName(e.input).c_str(), e.kind.c_str(), e.label.c_str());
         return 0;
     }
     if (!options.repeat.empty()) return repeatOne();

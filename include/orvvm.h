@@ -273,6 +273,34 @@ ORVVM_API OrvStatus orvsInv_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len)
 ORVVM_API OrvStatus orvsInv_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsInv_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
 
+/* ---- Sine and cosine (real) ---------------------------------------------
+ * Sin, Cos: dst[i] = sin src[i], cos src[i].  Shape U.  Arguments checked
+ * dst, src, then len; orvsSin_64f_A26 and orvsCos_64f_A26 check len first,
+ * then src and dst.  Results do not depend on the caller's rounding or
+ * flush modes.  Every finite argument has a result, however large.
+ * Warning: orvStatusDomain for +-inf, whose result is the default NaN
+ * (0xFFC00000 for 32f, 0xFFF8000000000000 for 64f), with the invalid flag.
+ * A NaN comes back quiet, with no warning.
+ * The block paths hold |x| up to 4000 (orvsSin_32f_A11), 10000 (the other
+ * 32f members) and 90112 (64f); a block of 8 (32f A11, A21), 16 (32f A24)
+ * or 4 (64f) with an element beyond that, or an infinity or NaN, is
+ * computed element by element in double precision, so the last bits of an
+ * element's result may depend on its neighbours.  sin(-0) is +0 but in
+ * orvsSin_32f_A24.  orvsSin_64f_A50 and orvsSin_64f_A53 are one routine,
+ * and so are orvsCos_64f_A50 and orvsCos_64f_A53. */
+ORVVM_API OrvStatus orvsSin_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSin_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSin_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSin_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSin_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSin_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCos_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCos_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCos_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCos_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCos_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCos_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
 #ifdef __cplusplus
 }
 #endif

@@ -163,6 +163,19 @@ inline F32x4 narrow(F64x2 lo, F64x2 hi) {
     return {_mm_movelh_ps(_mm_cvtpd_ps(lo.v), _mm_cvtpd_ps(hi.v))};
 }
 
+// Float lanes to 32-bit integers, rounded in the current mode (nearest in
+// every guarded member); and the two low integer lanes widened exactly to
+// doubles, or the high two.
+inline I32x4 roundToInt32(F32x4 a);
+inline F64x2 int32LowToF64x2(I32x4 a);
+inline F64x2 int32HighToF64x2(I32x4 a);
+
+// A hint to fetch the 64 bytes at p without keeping them in the caches; it
+// never faults, also past the end of an array.
+inline void prefetchNonTemporal(const void* p) {
+    _mm_prefetch(static_cast<const char*>(p), _MM_HINT_NTA);
+}
+
 // ---- I32x4 ---------------------------------------------------------------
 inline I32x4 loadI(const void* p) { return {_mm_loadu_si128(static_cast<const __m128i*>(p))}; }
 inline void storeI(void* p, I32x4 a) { _mm_storeu_si128(static_cast<__m128i*>(p), a.v); }
@@ -275,6 +288,10 @@ inline double mulOrdered(double a, double b) {
     asm("mulsd %1, %0" : "+x"(a) : "x"(b));
     return a;
 }
+
+inline I32x4 roundToInt32(F32x4 a) { return {_mm_cvtps_epi32(a.v)}; }
+inline F64x2 int32LowToF64x2(I32x4 a) { return {_mm_cvtepi32_pd(a.v)}; }
+inline F64x2 int32HighToF64x2(I32x4 a) { return {_mm_cvtepi32_pd(_mm_unpackhi_epi64(a.v, a.v))}; }
 
 // ---- Raw-bit views -------------------------------------------------------
 inline I32x4 bitsOf(F32x4 a) { return {_mm_castps_si128(a.v)}; }

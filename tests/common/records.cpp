@@ -94,6 +94,7 @@ std::vector<AccuracyRecord> load() {
         if (m.sameAs) r.sameAs = m.sameAs;
         if (m.peerVectors) r.peerVectors = m.peerVectors;
         check(r);
+        r.indexExclusions();
         records.push_back(std::move(r));
     }
     // In the order of the export table, whatever the order of linking.
@@ -115,9 +116,35 @@ bool Range::contains(const double* x) const {
     return true;
 }
 
+void AccuracyRecord::indexExclusions() {
+    if (exclusions.empty() || exclusions.front().components() != 1) return;
+    for (const Exclusion& x : exclusions) {
+        if (x.kind == Range::ExcludedPoint) {
+            excludedPoints.push_back(x.bounds[0]);
+        } else {
+            excludedMagnitudes.push_back({x.lo(0), x.hi(0)});
+            widestMagnitude = std::max(widestMagnitude, x.hi(0) - x.lo(0));
+        }
+    }
+    std::sort(excludedPoints.begin(), excludedPoints.end());
+    std::sort(excludedMagnitudes.begin(), excludedMagnitudes.end());
+}
+
 bool AccuracyRecord::excludes(const double* in) const {
-    for (const Exclusion& x : exclusions)
-        if (x.contains(in)) return true;
+    if (exclusions.empty()) return false;
+    if (exclusions.front().components() != 1) {
+        for (const Exclusion& x : exclusions)
+            if (x.contains(in)) return true;
+        return false;
+    }
+    // One component: the boxes whose lo lies within the widest box below
+    // |x| are the only ones that can hold it.
+    const double x = in[0], m = std::fabs(x);
+    if (!std::isnan(x) && std::binary_search(excludedPoints.begin(), excludedPoints.end(), x)) return true;
+    auto first = std::lower_bound(excludedMagnitudes.begin(), excludedMagnitudes.end(),
+                                  std::pair<double, double>{m - widestMagnitude, -INFINITY});
+    for (auto it = first; it != excludedMagnitudes.end() && it->first <= m; ++it)
+        if (m < it->second || std::isinf(it->second)) return true;
     return false;
 }
 

@@ -51,6 +51,14 @@ struct AccuracyRecord {
     bool positionDependent() const { return !positionWhy.empty(); }
     // Whether an input (its real components) lies in one of the exclusions.
     bool excludes(const double* in) const;
+
+    // For unary members, the exclusions sorted for a binary search: the
+    // exhaustive check asks about 2^32 inputs, and a record may exclude a
+    // band of thousands of points or boxes.
+    std::vector<double> excludedPoints;                        // sorted
+    std::vector<std::pair<double, double>> excludedMagnitudes;  // [lo, hi), sorted by lo
+    double widestMagnitude = 0;                                // the largest hi - lo among them
+    void indexExclusions();
 };
 
 // Every record, in the order of the export table.
