@@ -237,6 +237,19 @@ ORVVM_API OrvStatus orvsSinh_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len
 ORVVM_API OrvStatus orvsSinh_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsSinh_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
 
+/* Tanh: dst[i] = tanh(src[i]).  Shape U.  A piecewise polynomial in |x|
+ * picked from the high bits of x; tanh(-x) is -tanh(x) bit for bit, -0
+ * gives -0.  |x| from 10 (32f) or 20 (64f) on, and +-inf, give 1.0 with the
+ * sign of x; a NaN comes back (quiet in 32f).  Never a warning: the status
+ * is orvStatusOk after the argument checks.  orvsTanh_64f_A26 and
+ * orvsTanh_64f_A50 are one routine. */
+ORVVM_API OrvStatus orvsTanh_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTanh_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTanh_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTanh_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTanh_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTanh_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
 /* ---- Division and reciprocal -------------------------------------------
  * Real members.  The lower tiers avoid the hardware division: A11 uses the
  * processor's approximate reciprocal (rcpps, about 12 bits) and A21 adds
