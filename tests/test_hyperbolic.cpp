@@ -2,13 +2,15 @@
 // Sinh and Cosh: the special values of each tier, the overflow limits with
 // their neighbours and the statuses, the symmetries bit for bit (one
 // reduction on |x|, the sign ORed on), and the change of scale at the top
-// of the range.
+// of the range.  Tanh: the telling rows of its tables, saturation, oddness
+// bit for bit, and the masked form of a block holding an infinity or a NaN.
 #include <bit>
 #include <cmath>
 #include <limits>
 #include <random>
 #include <vector>
 
+#include "tables/tanh_tables.h"
 #include "testing.h"
 
 using namespace orvtest;
@@ -201,4 +203,132 @@ TEST(SinhCoshLimits, TopOfRangeScalesJoin) {
             for (size_t i = 1; i < x.size(); ++i)
                 EXPECT_NEAR(y[i] / y[i - 1], std::exp(x[i] - x[i - 1]), 1e-15) << m->name << " " << i;
         }
+}
+
+// ---- Tanh -------------------------------------------------------------------
+
+namespace {
+const Member<float> kTanh32[] = {{"Tanh A11", orvsTanh_32f_A11}, {"Tanh A21", orvsTanh_32f_A21}, {"Tanh A24", orvsTanh_32f_A24}};
+const Member<double> kTanh64[] = {{"Tanh A26", orvsTanh_64f_A26}, {"Tanh A50", orvsTanh_64f_A50}, {"Tanh A53", orvsTanh_64f_A53}};
+}  // namespace
+
+// The rows that tell whether a table is laid out and fitted on the right
+// intervals.  Row 0 has c0 = 0 and c1 close to 1 (exactly 1 in the centred
+// tiers); the last row is the constant 1.  The centred tiers' c0 is tanh of
+// the centre (in A53 as a head and a tail), and A50's row 1 is centred on 0.140625 with c0 and c1 of
+// these bits.  A21's row 1, [0.03125, 0.033203125), is a cubic best fit: it
+// agrees with the published fit of that interval to far inside the tier.
+TEST(TanhTables, TellingRows) {
+    using namespace orv::tables;
+    EXPECT_EQ(bits(kTanhA11[0][0]), 0u);
+    EXPECT_NEAR(kTanhA11[0][1], f64(0x3FEFFEAA0FCD8264), 1e-4);
+    EXPECT_NEAR(kTanhA21[0][1], f64(0x3FF00000022C70EB), 1e-8);
+    EXPECT_NEAR(kTanhA24[0][1], f64(0x3FF000000006A31D), 1e-10);
+    EXPECT_SAME_BITS(kTanhA50[0][1], 1.0);
+    EXPECT_SAME_BITS(kTanhA53[0][2], 1.0);
+    EXPECT_SAME_BITS(kTanhA53[0][1], 0.0);
+    auto lastIsOne = [](const auto& table, int first) {
+        const auto& row = table[std::size(table) - 1];
+        EXPECT_SAME_BITS(row[first], 1.0);
+        for (int k = first + 1; k < first + 8 && k < int(std::size(row)); ++k) EXPECT_SAME_BITS(row[k], 0.0) << k;
+    };
+    EXPECT_EQ(std::size(kTanhA11), 134u);
+    EXPECT_EQ(std::size(kTanhA24), 27u);
+    EXPECT_EQ(std::size(kTanhA50), 31u);
+    EXPECT_EQ(std::size(kTanhA53), 60u);
+    lastIsOne(kTanhA11, 0);
+    lastIsOne(kTanhA21, 0);
+    lastIsOne(kTanhA24, 0);
+    lastIsOne(kTanhA50, 0);
+    lastIsOne(kTanhA53, 1);
+    EXPECT_EQ(bits(kTanhA50[1][0]), 0x3FC1E1DD055CD972u);
+    EXPECT_EQ(bits(kTanhA50[1][1]), 0x3FEF601CAF83B5D3u);
+    EXPECT_SAME_BITS(kTanhA50[1][14], 0.140625);
+    EXPECT_SAME_BITS(kTanhA50[1][15], 1.0);
+    for (size_t i = 1; i + 1 < std::size(kTanhA53); ++i) {
+        // head: tanh o to the nearest double (the C library's tanh is within
+        // an ulp of it); tail: the rest, below half an ulp of the head.
+        double head = kTanhA53[i][1], tail = kTanhA53[i][0], t = std::tanh(-kTanhA53[i][12]);
+        EXPECT_LE(std::fabs(head - t), 0x1p-52 * t) << i;
+        EXPECT_LE(std::fabs(tail), (std::nextafter(head, 2.0) - head) / 2) << i;
+        EXPECT_NE(tail, 0.0) << i;
+    }
+    const double published[4] = {f64(0xBE53D60CE3E4C297), f64(0x3FF000024177CF5C), f64(0xBF1758BC94A51A25),
+                                 f64(0xBFD53EAE67E0D4F0)};
+    for (double a = 0.03125; a < 0.033203125; a += 1.0 / 8192) {
+        double ours = ((kTanhA21[1][3] * a + kTanhA21[1][2]) * a + kTanhA21[1][1]) * a + kTanhA21[1][0];
+        double theirs = ((published[3] * a + published[2]) * a + published[1]) * a + published[0];
+        EXPECT_NEAR(ours / theirs, 1.0, 1e-8) << a;
+    }
+}
+
+// Saturation: from the top of the range (10 for 32f, 20 for 64f) on, and
+// for the infinities, exactly 1 with the sign of x; 10.5 and 20 are in it.
+// Zeros and denormals give x; oddness holds bit for bit.  Never a status.
+TEST(TanhValues, SaturationZerosAndOddness) {
+    const std::vector<float> xf = {10.5f, -10.0f, 1e30f, HUGE_VALF, -HUGE_VALF, 0.0f, -0.0f, f32(0x80000001)};
+    const std::vector<float> yf = {1.0f, -1.0f, 1.0f, 1.0f, -1.0f, 0.0f, -0.0f, f32(0x80000001)};
+    for (const auto& m : kTanh32) {
+        OrvStatus s;
+        std::vector<float> y = run(m.fn, xf, &s);
+        EXPECT_EQ(s, kOk);
+        for (size_t i = 0; i < xf.size(); ++i) EXPECT_SAME_BITS(y[i], yf[i]) << m.name << " " << i;
+    }
+    const std::vector<double> xd = {20.0, -25.0, 1e300, HUGE_VAL, -HUGE_VAL, 0.0, -0.0, f64(0x8000000000000001)};
+    const std::vector<double> yd = {1.0, -1.0, 1.0, 1.0, -1.0, 0.0, -0.0, f64(0x8000000000000001)};
+    for (const auto& m : kTanh64) {
+        OrvStatus s;
+        std::vector<double> y = run(m.fn, xd, &s);
+        EXPECT_EQ(s, kOk);
+        for (size_t i = 0; i < xd.size(); ++i) EXPECT_SAME_BITS(y[i], yd[i]) << m.name << " " << i;
+    }
+    std::mt19937 rng(5);
+    std::vector<double> x(999), minus(x.size());
+    for (size_t i = 0; i < x.size(); ++i) {
+        x[i] = std::exp2(std::uniform_real_distribution<double>(-30, 4.5)(rng));
+        minus[i] = -x[i];
+    }
+    std::vector<float> xs(x.begin(), x.end()), minusf(minus.begin(), minus.end());
+    for (const auto& m : kTanh64) {
+        std::vector<double> y = run(m.fn, x), ym = run(m.fn, minus);
+        for (size_t i = 0; i < x.size(); ++i) ASSERT_SAME_BITS(ym[i], -y[i]) << m.name << " " << x[i];
+    }
+    for (const auto& m : kTanh32) {
+        std::vector<float> y = run(m.fn, xs), ym = run(m.fn, minusf);
+        for (size_t i = 0; i < xs.size(); ++i) ASSERT_SAME_BITS(ym[i], -y[i]) << m.name << " " << xs[i];
+    }
+}
+
+// A block with an infinity or a NaN takes the masked form: its ordinary
+// elements keep the bits they have in an ordinary block, the infinity gives
+// +-1, a NaN comes back with its sign and payload (quieted in 32f).
+TEST(TanhValues, MaskedBlockKeepsItsOrdinaryElements) {
+    const std::vector<float> plain = {0.3f, -2.5f, 7.0f, 0.01f};
+    for (const auto& m : kTanh32) {
+        std::vector<float> ref = run(m.fn, plain);
+        for (uint32_t special : {0x7F800000u, 0xFFA00001u}) {
+            for (int lane = 0; lane < 4; ++lane) {
+                std::vector<float> x = plain;
+                x[lane] = f32(special);
+                std::vector<float> y = run(m.fn, x);
+                for (int i = 0; i < 4; ++i)
+                    if (i != lane) EXPECT_SAME_BITS(y[i], ref[i]) << m.name << " lane " << lane;
+                EXPECT_EQ(bits(y[lane]), special == 0x7F800000u ? 0x3F800000u : 0xFFE00001u) << m.name;
+            }
+        }
+    }
+    const std::vector<double> plaind = {0.3, -2.5, 7.0, 0.01};
+    for (const auto& m : kTanh64) {
+        std::vector<double> ref = run(m.fn, plaind);
+        for (uint64_t special : {0xFFF0000000000000ull, 0x7FF4000000000001ull}) {
+            for (int lane = 0; lane < 4; ++lane) {
+                std::vector<double> x = plaind;
+                x[lane] = f64(special);
+                std::vector<double> y = run(m.fn, x);
+                for (int i = 0; i < 4; ++i)
+                    if (i != lane) EXPECT_SAME_BITS(y[i], ref[i]) << m.name << " lane " << lane;
+                EXPECT_EQ(bits(y[lane]), special == 0xFFF0000000000000ull ? 0xBFF0000000000000ull : special) << m.name;
+            }
+        }
+    }
 }
