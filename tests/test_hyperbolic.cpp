@@ -313,7 +313,9 @@ TEST(TanhValues, MaskedBlockKeepsItsOrdinaryElements) {
                 x[lane] = f32(special);
                 std::vector<float> y = run(m.fn, x);
                 for (int i = 0; i < 4; ++i)
-                    if (i != lane) EXPECT_SAME_BITS(y[i], ref[i]) << m.name << " lane " << lane;
+                    if (i != lane) {
+                        EXPECT_SAME_BITS(y[i], ref[i]) << m.name << " lane " << lane;
+                    }
                 EXPECT_EQ(bits(y[lane]), special == 0x7F800000u ? 0x3F800000u : 0xFFE00001u) << m.name;
             }
         }
@@ -327,7 +329,9 @@ TEST(TanhValues, MaskedBlockKeepsItsOrdinaryElements) {
                 x[lane] = f64(special);
                 std::vector<double> y = run(m.fn, x);
                 for (int i = 0; i < 4; ++i)
-                    if (i != lane) EXPECT_SAME_BITS(y[i], ref[i]) << m.name << " lane " << lane;
+                    if (i != lane) {
+                        EXPECT_SAME_BITS(y[i], ref[i]) << m.name << " lane " << lane;
+                    }
                 EXPECT_EQ(bits(y[lane]), special == 0xFFF0000000000000ull ? 0xBFF0000000000000ull : special) << m.name;
             }
         }
