@@ -1,5 +1,5 @@
 // Prints src/tables/tanh_tables.h: the piecewise polynomials of Tanh, one
-// row per interval of |x|, fitted with MPFR at 1024 bits.
+// row per interval of |x|, fitted with MPFR at 256 bits.
 //
 // Intervals.  A row is picked from the high bits of x (the float's bits, or
 // the double's high word): mask, subtract the base, clamp to [0, limit],
@@ -7,8 +7,9 @@
 // v(base + (i+1) step)), the last row everything from v(base + limit) (the
 // top: 10 for 32f, 20 for 64f) on, where the row is c0 = 1 and nothing else.
 //
-// Fit.  Each row's free coefficients interpolate tanh at the Chebyshev nodes
-// of its interval, which is within a small factor of the best fit: in the
+// Fit.  Each row's free coefficients first interpolate tanh at the Chebyshev
+// nodes of its interval, and then a few exchange steps (Remez) bring them to
+// the best fit for relative error on a grid of 600 points: in the
 // uncentred tiers (A11 degree 1, A21 degree 3, A24 degree 6) the polynomial
 // is in a = |x|; in the centred ones (A26 = A50 degree 13, A53 degree 10)
 // it is in t = a - o, o the interval's centre, with c0 = tanh o fixed (in
@@ -36,7 +37,7 @@
 
 namespace {
 
-constexpr mpfr_prec_t kPrec = 1024;
+constexpr mpfr_prec_t kPrec = 256;
 
 unsigned long long doubleBits(double d) {
     uint64_t b;
@@ -109,6 +110,74 @@ void solve(std::vector<std::vector<Mp>>& m, std::vector<Mp>& r) {
     }
 }
 
+// Remez exchange for relative error on coefficients c[s..d] of the
+// polynomial in t on [tlo, thi] (c[0..s-1] fixed): reference points at the
+// alternating extrema of the error on a grid, then the system with the
+// levelled error E solved again.  Stops when the extrema no longer
+// alternate enough (the interpolant is then kept as it stands).
+void remez(std::vector<Mp>& c, int s, int d, double centre, double tlo, double thi) {
+    const int n = d + 1 - s, grid = 600;
+    std::vector<Mp> ts(grid + 1), fs(grid + 1);
+    Mp x, y, t, p;
+    for (int k = 0; k <= grid; ++k) {
+        mpfr_set_d(ts[k].v, tlo, MPFR_RNDN);
+        mpfr_set_d(x.v, (thi - tlo) / grid, MPFR_RNDN);
+        mpfr_mul_ui(x.v, x.v, k == 0 && tlo == 0 ? 1 : k, MPFR_RNDN);  // row 0: not at t = 0
+        if (k == 0 && tlo == 0) mpfr_div_ui(x.v, x.v, 64, MPFR_RNDN);
+        mpfr_add(ts[k].v, ts[k].v, x.v, MPFR_RNDN);
+        mpfr_add_d(x.v, ts[k].v, centre, MPFR_RNDN);
+        mpfr_tanh(fs[k].v, x.v, MPFR_RNDN);
+    }
+    for (int iter = 0; iter < 8; ++iter) {
+        std::vector<double> e(grid + 1);
+        for (int k = 0; k <= grid; ++k) {
+            mpfr_set_ui(p.v, 0, MPFR_RNDN);
+            for (int i = d; i >= 0; --i) {
+                mpfr_mul(p.v, p.v, ts[k].v, MPFR_RNDN);
+                mpfr_add(p.v, p.v, c[i].v, MPFR_RNDN);
+            }
+            mpfr_sub(p.v, fs[k].v, p.v, MPFR_RNDN);
+            mpfr_div(p.v, p.v, fs[k].v, MPFR_RNDN);
+            e[k] = mpfr_get_d(p.v, MPFR_RNDN);
+        }
+        std::vector<int> ext;  // the largest |e| of each run of one sign
+        for (int k = 0; k <= grid; ++k) {
+            if (!ext.empty() && (e[k] < 0) == (e[ext.back()] < 0)) {
+                if (std::fabs(e[k]) > std::fabs(e[ext.back()])) ext.back() = k;
+            } else {
+                ext.push_back(k);
+            }
+        }
+        if (int(ext.size()) < n + 1) return;
+        while (int(ext.size()) > n + 1) {
+            if (std::fabs(e[ext.front()]) < std::fabs(e[ext.back()]))
+                ext.erase(ext.begin());
+            else
+                ext.pop_back();
+        }
+        std::vector<std::vector<Mp>> m(n + 1, std::vector<Mp>(n + 1));
+        std::vector<Mp> r(n + 1);
+        for (int i = 0; i <= n; ++i) {
+            const Mp& ti = ts[ext[i]];
+            mpfr_set(r[i].v, fs[ext[i]].v, MPFR_RNDN);
+            mpfr_set_ui(t.v, 1, MPFR_RNDN);
+            for (int j = 0; j <= d; ++j) {
+                if (j < s) {
+                    mpfr_mul(y.v, c[j].v, t.v, MPFR_RNDN);
+                    mpfr_sub(r[i].v, r[i].v, y.v, MPFR_RNDN);
+                } else {
+                    mpfr_set(m[i][j - s].v, t.v, MPFR_RNDN);
+                }
+                mpfr_mul(t.v, t.v, ti.v, MPFR_RNDN);
+            }
+            mpfr_set(m[i][n].v, fs[ext[i]].v, MPFR_RNDN);
+            if (i % 2) mpfr_neg(m[i][n].v, m[i][n].v, MPFR_RNDN);
+        }
+        solve(m, r);
+        for (int j = 0; j < n; ++j) mpfr_set(c[s + j].v, r[j].v, MPFR_RNDN);
+    }
+}
+
 struct Row {
     double lo, hi, centre;
     std::vector<double> c;  // c0 .. c_degree (c0 is the head in A53)
@@ -176,6 +245,7 @@ Row fitRow(const Tier& tier, double lo, double hi, bool first) {
     }
     solve(m, r);
     for (int j = 0; j < n; ++j) mpfr_set(c[s + j].v, r[j].v, MPFR_RNDN);
+    remez(c, s, d, row.centre, tlo, thi);
     for (int i = 0; i <= d; ++i) row.c.push_back(mpfr_get_d(c[i].v, MPFR_RNDN));
     if (tier.headTail) {
         Mp rest;
