@@ -240,6 +240,45 @@ ORVVM_API OrvStatus orvsPowx_64f_A26(const Orv64f* src, Orv64f constant, Orv64f*
 ORVVM_API OrvStatus orvsPowx_64f_A50(const Orv64f* src, Orv64f constant, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsPowx_64f_A53(const Orv64f* src, Orv64f constant, Orv64f* dst, int32_t len);
 
+/* ---- Hyperbolic functions (real) ---------------------------------------
+ * Sinh: dst[i] = sinh(src[i]).  Cosh: dst[i] = cosh(src[i]).  Shape U.
+ * Arguments checked dst, src, then len; round to nearest inside the call
+ * whatever the caller's MXCSR.  Both run one exponential reduction on
+ * |src[i]|, so cosh(-x) and cosh(x) are the same bits, and sinh(-x) is
+ * -sinh(x) bit for bit.  Warning: orvStatusOverflow for a finite argument
+ * whose result overflows (|x| above 89.4159851 for 32f, at or above
+ * 710.475860073944 for 64f); the result is infinity (with the sign of x for
+ * Sinh).  +-inf gives +inf (Cosh) or x (Sinh), +-0 gives 1.0 (Cosh) or x
+ * (Sinh), with no warning.  A NaN gives no warning: the 64f A53 members
+ * return the pattern with all 64 bits set, orvsSinh_64f_A26/A50 return it
+ * unchanged, the others return it made quiet.  The 64f A26 and A50 members
+ * are one routine. */
+ORVVM_API OrvStatus orvsCosh_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCosh_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCosh_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCosh_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCosh_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCosh_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSinh_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSinh_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSinh_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSinh_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSinh_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsSinh_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
+/* Tanh: dst[i] = tanh(src[i]).  Shape U.  A piecewise polynomial in |x|
+ * picked from the high bits of x; tanh(-x) is -tanh(x) bit for bit, -0
+ * gives -0.  |x| from 10 (32f) or 20 (64f) on, and +-inf, give 1.0 with the
+ * sign of x; a NaN comes back (quiet in 32f).  Never a warning: the status
+ * is orvStatusOk after the argument checks.  orvsTanh_64f_A26 and
+ * orvsTanh_64f_A50 are one routine. */
+ORVVM_API OrvStatus orvsTanh_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTanh_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTanh_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTanh_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTanh_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTanh_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
 /* ---- Division and reciprocal -------------------------------------------
  * Real members.  The lower tiers avoid the hardware division: A11 uses the
  * processor's approximate reciprocal (rcpps, about 12 bits) and A21 adds
