@@ -23,9 +23,9 @@
 //             elements per round.  Screen: each component zero or of
 //             magnitude in [2^-250, 2^250), the divisor not zero.  Guard
 //             nearest, keeping the caller's denormals-are-zero.
-//   64fc A50 = A53  the numerators are the exact sums of products of Mul's
-//             exact tiers (exact_products.h), as hi + lo pairs, and the
-//             denominator likewise c^2 + d^2 = Qh + Ql.  Then q0 = Nh * r
+//   64fc A50 = A53  the numerators as exact sums of products, hi + lo
+//             pairs from Dekker's products (Veltkamp halves) and Knuth's
+//             two-sum, and the denominator likewise c^2 + d^2 = Qh + Ql.  Then q0 = Nh * r
 //             with r = 1/Qh, the remainder Nh - q0*Qh exactly (the product's
 //             error by the same splitting), and the quotient q0 + ((Nh -
 //             q0 Qh - e) + (Nl - q0 Ql)) r.  The terms left out are a few
@@ -293,18 +293,64 @@ Orv64fc element26(Orv64fc x, Orv64fc y) {
     return extendedElementInOwnMode(x.re, x.im, y.re, y.im);
 }
 
-// The quotient of the exact tiers on two lanes.
+// ---- The exact tiers' arithmetic: Dekker's products -------------------------------
+// A factor split by Veltkamp's method into a head of 26 bits and a tail of
+// 27 (with its sign): the products of the halves of two factors are exact.
+// The screen keeps |f| below 2^200, so f times the constant cannot
+// overflow, and above 2^-200, so the smallest half products stay normal.
+constexpr double kVeltkamp53 = doubleFromBits(0x41A0000002000000);  // 2^27 + 1
+struct Halves {
+    F64x2 h, l;
+};
+inline Halves split(F64x2 f) {
+    F64x2 t = f * splat(kVeltkamp53);
+    F64x2 h = t - (t - f);
+    return {h, f - h};
+}
+// p = f*g rounded, and its exact error.
+struct Product {
+    F64x2 p, e;
+};
+inline Product twoProduct(F64x2 f, Halves fs, F64x2 g, Halves gs) {
+    F64x2 p = f * g;
+    return {p, ((fs.h * gs.h - p) + fs.h * gs.l + fs.l * gs.h) + fs.l * gs.l};
+}
+// x + y as s and its exact error, whatever their order (Knuth's two-sum).
+struct Sum {
+    F64x2 s, e;
+};
+inline Sum twoSum(F64x2 x, F64x2 y) {
+    F64x2 s = x + y;
+    F64x2 v = s - x;
+    return {s, (x - (s - v)) + (y - v)};
+}
+// f1*g1 + f2*g2 as hi + lo, within a few 2^-106 of the larger product.
+struct Pair {
+    F64x2 hi, lo;
+};
+inline Pair sumOfTwoProducts(Product p1, Product p2) {
+    Sum s = twoSum(p1.p, p2.p);
+    return {s.s, s.e + (p1.e + p2.e)};
+}
+
+// The quotient of the exact tiers on two lanes.  The numerators N and the
+// divisor Q = c^2 + d^2 as hi + lo pairs; q0 = Nh * (1/Qh) is within an ulp
+// or two of Nh/Qh, so q0*Qh lies within a few ulps of Nh and Nh - q0*Qh is
+// exact; with the product's own error the remainder N - q0 Q is known to a
+// few 2^-106 of N, and q0 + remainder/Qh is the quotient to a few 2^-100.
 inline Parts<F64x2> exactQuotient(F64x2 a, F64x2 b, F64x2 c, F64x2 d) {
-    SumOfProducts nRe = sumOfProducts(a, c, b, d);
-    SumOfProducts nIm = sumOfProducts(b, c, a * splat(kMinusOne), d);
-    SumOfProducts q = sumOfProducts(c, c, d, d);
+    Halves as = split(a), bs = split(b), cs = split(c), ds = split(d);
+    Product ac = twoProduct(a, as, c, cs), bd = twoProduct(b, bs, d, ds);
+    Product bc = twoProduct(b, bs, c, cs), ad = twoProduct(a, as, d, ds);
+    Pair nRe = sumOfTwoProducts(ac, bd);
+    Pair nIm = sumOfTwoProducts(bc, {ad.p * splat(kMinusOne), ad.e * splat(kMinusOne)});
+    Pair q = sumOfTwoProducts(twoProduct(c, cs, c, cs), twoProduct(d, ds, d, ds));
+    Halves qs = split(q.hi);
     F64x2 r = splat(1.0) / q.hi;
-    auto divide = [&](SumOfProducts n) {
+    auto divide = [&](Pair n) {
         F64x2 q0 = n.hi * r;
-        F64x2 p = q0 * q.hi;
-        F64x2 e = productError(p, q0, q.hi);
-        // n.hi - p is exact: p lies within a few ulps of n.hi.
-        F64x2 remainder = ((n.hi - p) - e) + (n.lo - q0 * q.lo);
+        Product m = twoProduct(q0, split(q0), q.hi, qs);
+        F64x2 remainder = ((n.hi - m.p) - m.e) + (n.lo - q0 * q.lo);
         return q0 + remainder * r;
     };
     return {divide(nRe), divide(nIm)};
