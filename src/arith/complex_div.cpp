@@ -57,7 +57,6 @@
 // Every completed call returns orvStatusOk; overflow, underflow and
 // division by zero raise their flags through the arithmetic only.
 #include "arith/exact_products.h"
-#include "frame/accuracy.h"
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "frame/simd.h"
@@ -410,12 +409,6 @@ ORV_EXPORT OrvStatus orvsDiv_64fc_A50(const Orv64fc* src1, const Orv64fc* src2, 
 ORV_EXPORT OrvStatus orvsDiv_64fc_A53(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len)
     __attribute__((alias("orvsDiv_64fc_A50")));
 
-ORV_ACCURACY(orvsDiv_32fc_A11, 5223, ORV_RANGE(64, 1e3, -1, 1, 1, 4, -4, -1), ORV_RANGE(-1e3, -64, -1, 1, -4, -1, 1, 4), ORV_RANGE(0x1p46, 0x1p50, -0x1p40, 0x1p40, 0x1p-50, 0x1p-48, -0x1p-48, -0x1p-50));
-ORV_ACCURACY(orvsDiv_32fc_A21, 0.5000001, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(1, 2, 1, 2, 1, 2, 1, 2));
-ORV_ACCURACY(orvsDiv_32fc_A24, 0.5000001, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(1, 2, 1, 2, 1, 2, 1, 2));
-ORV_ACCURACY(orvsDiv_64fc_A26, 3.59, ORV_RANGE(64, 1e3, -1, 1, 1, 4, -4, -1), ORV_RANGE(-1e3, -64, -1, 1, -4, -1, 1, 4), ORV_RANGE(0x1p500, 0x1p510, -0x1p494, 0x1p494, 0x1p-600, 0x1p-598, -0x1p-598, -0x1p-600));
-ORV_ACCURACY(orvsDiv_64fc_A50, 0.5008, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(1, 2, 1, 2, 1, 2, 1, 2));
-ORV_ACCURACY(orvsDiv_64fc_A53, 0.5008, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(1, 2, 1, 2, 1, 2, 1, 2));
 #else
 #include "frame/record.h"
 

@@ -63,7 +63,6 @@
 // Every completed call returns orvStatusOk; overflow and underflow raise
 // their flags through the arithmetic only.
 #include "arith/exact_products.h"
-#include "frame/accuracy.h"
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "frame/simd.h"
@@ -351,18 +350,6 @@ ORV_EXPORT OrvStatus orvsMulByConj_64fc_A50(const Orv64fc* src1, const Orv64fc* 
 ORV_EXPORT OrvStatus orvsMulByConj_64fc_A53(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst,
                                             int32_t len) __attribute__((alias("orvsMulByConj_64fc_A50")));
 
-ORV_ACCURACY(orvsMul_32fc_A11, 1.46, ORV_RANGE(64, 1e3, -1, 1, 1, 4, -4, -1), ORV_RANGE(-1e3, -64, -1, 1, -4, -1, 1, 4), ORV_RANGE(0x1p46, 0x1p50, -0x1p40, 0x1p40, 0x1p-50, 0x1p-48, -0x1p-48, -0x1p-50));
-ORV_ACCURACY(orvsMul_32fc_A21, 0.5000001, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(1, 2, 1, 2, 1, 2, 1, 2));
-ORV_ACCURACY(orvsMul_32fc_A24, 0.5000001, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(1, 2, 1, 2, 1, 2, 1, 2));
-ORV_ACCURACY(orvsMul_64fc_A26, 1.49, ORV_RANGE(64, 1e3, -1, 1, 1, 4, -4, -1), ORV_RANGE(-1e3, -64, -1, 1, -4, -1, 1, 4), ORV_RANGE(0x1p500, 0x1p510, -0x1p494, 0x1p494, 0x1p-600, 0x1p-598, -0x1p-598, -0x1p-600));
-ORV_ACCURACY(orvsMul_64fc_A50, 0.5003, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(1, 2, 1, 2, 1, 2, 1, 2));
-ORV_ACCURACY(orvsMul_64fc_A53, 0.5003, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(1, 2, 1, 2, 1, 2, 1, 2));
-ORV_ACCURACY(orvsMulByConj_32fc_A11, 1.48, ORV_RANGE(64, 1e3, -1, 1, 1, 4, -4, -1), ORV_RANGE(-1e3, -64, -1, 1, -4, -1, 1, 4), ORV_RANGE(0x1p46, 0x1p50, -0x1p40, 0x1p40, 0x1p-50, 0x1p-48, -0x1p-48, -0x1p-50));
-ORV_ACCURACY(orvsMulByConj_32fc_A21, 0.5000001, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(1, 2, 1, 2, 1, 2, 1, 2));
-ORV_ACCURACY(orvsMulByConj_32fc_A24, 0.5000001, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(1, 2, 1, 2, 1, 2, 1, 2));
-ORV_ACCURACY(orvsMulByConj_64fc_A26, 1.45, ORV_RANGE(64, 1e3, -1, 1, 1, 4, -4, -1), ORV_RANGE(-1e3, -64, -1, 1, -4, -1, 1, 4), ORV_RANGE(0x1p500, 0x1p510, -0x1p494, 0x1p494, 0x1p-600, 0x1p-598, -0x1p-598, -0x1p-600));
-ORV_ACCURACY(orvsMulByConj_64fc_A50, 0.5003, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(1, 2, 1, 2, 1, 2, 1, 2));
-ORV_ACCURACY(orvsMulByConj_64fc_A53, 0.5003, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(1, 2, 1, 2, 1, 2, 1, 2));
 #else
 #include "frame/record.h"
 

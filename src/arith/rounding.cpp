@@ -49,7 +49,6 @@
 //                             Modf writes x and a zero with the sign of x.
 //   otherwise                 the block formula on the one element.
 // PointersFirstFrame; every completed call returns orvStatusOk.
-#include "frame/accuracy.h"
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "frame/simd.h"
@@ -324,20 +323,6 @@ ORV_EXPORT OrvStatus orvsModf_64f(const Orv64f* src, Orv64f* dstInt, Orv64f* dst
     return modf<Binary64>(src, dstInt, dstFrac, len);
 }
 
-ORV_ACCURACY(orvsCeil_32f, 0, ORV_RANGE(-0x1p24, 0x1p24), ORV_RANGE(-3.4e38, 3.4e38), ORV_RANGE(-2, 2));
-ORV_ACCURACY(orvsCeil_64f, 0, ORV_RANGE(-0x1p53, 0x1p53), ORV_RANGE(-1.7e308, 1.7e308), ORV_RANGE(-2, 2));
-ORV_ACCURACY(orvsFloor_32f, 0, ORV_RANGE(-0x1p24, 0x1p24), ORV_RANGE(-3.4e38, 3.4e38), ORV_RANGE(-2, 2));
-ORV_ACCURACY(orvsFloor_64f, 0, ORV_RANGE(-0x1p53, 0x1p53), ORV_RANGE(-1.7e308, 1.7e308), ORV_RANGE(-2, 2));
-ORV_ACCURACY(orvsTrunc_32f, 0, ORV_RANGE(-0x1p24, 0x1p24), ORV_RANGE(-3.4e38, 3.4e38), ORV_RANGE(-2, 2));
-ORV_ACCURACY(orvsTrunc_64f, 0, ORV_RANGE(-0x1p53, 0x1p53), ORV_RANGE(-1.7e308, 1.7e308), ORV_RANGE(-2, 2));
-ORV_ACCURACY(orvsRound_32f, 0, ORV_RANGE(-0x1p24, 0x1p24), ORV_RANGE(-3.4e38, 3.4e38), ORV_RANGE(-2, 2));
-ORV_ACCURACY(orvsRound_64f, 0, ORV_RANGE(-0x1p53, 0x1p53), ORV_RANGE(-1.7e308, 1.7e308), ORV_RANGE(-2, 2));
-ORV_ACCURACY(orvsRint_32f, 0, ORV_RANGE(-0x1p24, 0x1p24), ORV_RANGE(-3.4e38, 3.4e38), ORV_RANGE(-2, 2));
-ORV_ACCURACY(orvsRint_64f, 0, ORV_RANGE(-0x1p53, 0x1p53), ORV_RANGE(-1.7e308, 1.7e308), ORV_RANGE(-2, 2));
-ORV_ACCURACY(orvsNearbyInt_32f, 0, ORV_RANGE(-0x1p24, 0x1p24), ORV_RANGE(-3.4e38, 3.4e38), ORV_RANGE(-2, 2));
-ORV_ACCURACY(orvsNearbyInt_64f, 0, ORV_RANGE(-0x1p53, 0x1p53), ORV_RANGE(-1.7e308, 1.7e308), ORV_RANGE(-2, 2));
-ORV_ACCURACY(orvsModf_32f, 0, ORV_RANGE(-0x1p24, 0x1p24), ORV_RANGE(-3.4e38, 3.4e38), ORV_RANGE(-2, 2));
-ORV_ACCURACY(orvsModf_64f, 0, ORV_RANGE(-0x1p53, 0x1p53), ORV_RANGE(-1.7e308, 1.7e308), ORV_RANGE(-2, 2));
 #else
 #include "frame/record.h"
 
