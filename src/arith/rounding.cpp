@@ -330,8 +330,9 @@ namespace orv {
 namespace {
 using namespace records;
 
-// Twice the shifters: values that pass the screen and the rejected ones
-// above them; the finite line; and the values around zero and one.
+// The ordinary range of the arithmetic members; twice the shifters: values
+// that pass the screen and the rejected ones above them; the finite line;
+// and the values around zero and one.
 const Box kShifted32 = symmetric(2 * double(floatFromBits(kShifter32)));
 const Box kShifted64 = symmetric(2 * doubleFromBits(kShifter64));
 const Box kNearZero = symmetric(2);
@@ -343,21 +344,21 @@ ORV_RECORDS(
     // decides on, and the rejected elements are copied.  Measured against
     // MPFR on the special values and the ranges, and over all 2^32 inputs
     // for the 32f members (the long exhaustive check).
-    {.member = "orvsCeil_32f", .ranges = {kShifted32, kFinite32, kNearZero}, .exact = true},
-    {.member = "orvsCeil_64f", .ranges = {kShifted64, kFinite64, kNearZero}, .exact = true},
-    {.member = "orvsFloor_32f", .ranges = {kShifted32, kFinite32, kNearZero}, .exact = true},
-    {.member = "orvsFloor_64f", .ranges = {kShifted64, kFinite64, kNearZero}, .exact = true},
-    {.member = "orvsTrunc_32f", .ranges = {kShifted32, kFinite32, kNearZero}, .exact = true},
-    {.member = "orvsTrunc_64f", .ranges = {kShifted64, kFinite64, kNearZero}, .exact = true},
-    {.member = "orvsRound_32f", .ranges = {kShifted32, kFinite32, kNearZero}, .exact = true},
-    {.member = "orvsRound_64f", .ranges = {kShifted64, kFinite64, kNearZero}, .exact = true},
-    {.member = "orvsRint_32f", .ranges = {kShifted32, kFinite32, kNearZero}, .exact = true},
-    {.member = "orvsRint_64f", .ranges = {kShifted64, kFinite64, kNearZero}, .exact = true},
-    {.member = "orvsNearbyInt_32f", .ranges = {kShifted32, kFinite32, kNearZero}, .exact = true,
+    {.member = "orvsCeil_32f", .ranges = {kOrdinary, kShifted32, kFinite32, kNearZero}, .exact = true},
+    {.member = "orvsCeil_64f", .ranges = {kOrdinary, kShifted64, kFinite64, kNearZero}, .exact = true},
+    {.member = "orvsFloor_32f", .ranges = {kOrdinary, kShifted32, kFinite32, kNearZero}, .exact = true},
+    {.member = "orvsFloor_64f", .ranges = {kOrdinary, kShifted64, kFinite64, kNearZero}, .exact = true},
+    {.member = "orvsTrunc_32f", .ranges = {kOrdinary, kShifted32, kFinite32, kNearZero}, .exact = true},
+    {.member = "orvsTrunc_64f", .ranges = {kOrdinary, kShifted64, kFinite64, kNearZero}, .exact = true},
+    {.member = "orvsRound_32f", .ranges = {kOrdinary, kShifted32, kFinite32, kNearZero}, .exact = true},
+    {.member = "orvsRound_64f", .ranges = {kOrdinary, kShifted64, kFinite64, kNearZero}, .exact = true},
+    {.member = "orvsRint_32f", .ranges = {kOrdinary, kShifted32, kFinite32, kNearZero}, .exact = true},
+    {.member = "orvsRint_64f", .ranges = {kOrdinary, kShifted64, kFinite64, kNearZero}, .exact = true},
+    {.member = "orvsNearbyInt_32f", .ranges = {kOrdinary, kShifted32, kFinite32, kNearZero}, .exact = true,
      .sameAs = "orvsRint_32f"},
-    {.member = "orvsNearbyInt_64f", .ranges = {kShifted64, kFinite64, kNearZero}, .exact = true,
+    {.member = "orvsNearbyInt_64f", .ranges = {kOrdinary, kShifted64, kFinite64, kNearZero}, .exact = true,
      .sameAs = "orvsRint_64f"},
-    {.member = "orvsModf_32f", .ranges = {kShifted32, kFinite32, kNearZero}, .exact = true},
-    {.member = "orvsModf_64f", .ranges = {kShifted64, kFinite64, kNearZero}, .exact = true})
+    {.member = "orvsModf_32f", .ranges = {kOrdinary, kShifted32, kFinite32, kNearZero}, .exact = true},
+    {.member = "orvsModf_64f", .ranges = {kOrdinary, kShifted64, kFinite64, kNearZero}, .exact = true})
 }  // namespace orv
 #endif
