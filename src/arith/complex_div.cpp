@@ -25,10 +25,10 @@
 //             nearest, keeping the caller's denormals-are-zero.
 //   64fc A50 = A53  the numerators as exact sums of products, hi + lo
 //             pairs from Dekker's products (Veltkamp halves) and Knuth's
-//             two-sum, and the denominator likewise c^2 + d^2 = Qh + Ql.  Then q0 = Nh * r
-//             with r = 1/Qh, the remainder Nh - q0*Qh exactly (the product's
-//             error by the same splitting), and the quotient q0 + ((Nh -
-//             q0 Qh - e) + (Nl - q0 Ql)) r.  The terms left out are a few
+//             two-sum, and the denominator likewise c^2 + d^2 = Qh + Ql.
+//             Then q0 = Nh * r with r = 1/Qh, the remainder Nh - q0*Qh
+//             exactly (the product's error by the same splitting), and the
+//             quotient q0 + ((Nh - q0 Qh - e) + (Nl - q0 Ql)) r.  The terms left out are a few
 //             2^-100 of the quotient, so it is within 0.5 ulp plus that, the
 //             numerator's cancellation included.  Screen: every component
 //             of magnitude in [2^-200, 2^200) (high words 0x33700000 ..
