@@ -49,17 +49,19 @@ inline F64x2 productError(F64x2 p, F64x2 f, F64x2 g) {
 // f1*g1 + f2*g2 as hi + lo: the products ordered by magnitude with masks
 // (no branch), s = pL + pS by a fast two-sum with its error err, and lo =
 // (err + eL) + eS.  hi + lo differs from the exact sum by the roundings of
-// lo, a few 2^-106 of |pL|.  hi is s, not renormalised.
+// lo, a few 2^-106 of |pL|.  hi is s, not renormalised.  Each product's
+// error is found before the ordering, which then moves two values per
+// product instead of three.
 struct SumOfProducts {
     F64x2 hi, lo;
 };
 inline SumOfProducts sumOfProducts(F64x2 f1, F64x2 g1, F64x2 f2, F64x2 g2) {
     F64x2 p1 = f1 * g1, p2 = f2 * g2;
+    F64x2 e1 = productError(p1, f1, g1), e2 = productError(p2, f2, g2);
     F64x2 sign = splatBits64(kSign64);
     F64x2 second = cmpLe(andNot(p1, sign), andNot(p2, sign));  // p2 is the larger
-    F64x2 fL = select(second, f2, f1), gL = select(second, g2, g1), pL = select(second, p2, p1);
-    F64x2 fS = select(second, f1, f2), gS = select(second, g1, g2), pS = select(second, p1, p2);
-    F64x2 eL = productError(pL, fL, gL), eS = productError(pS, fS, gS);
+    F64x2 pL = select(second, p2, p1), eL = select(second, e2, e1);
+    F64x2 pS = select(second, p1, p2), eS = select(second, e1, e2);
     F64x2 s = pL + pS;
     F64x2 err = pS - (s - pL);
     return {s, (err + eL) + eS};
