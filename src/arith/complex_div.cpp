@@ -439,7 +439,7 @@ ORV_RECORDS(
     // special values, whose results are those of C99 Annex G.  A11 follows
     // the processor's rcpps: its record is the estimate's architectural
     // bound, 1.5 * 2^-12 relative, plus six roundings of 2^-24, which is
-    // 6150 ulp or 11.41 correct bits (5223 ulp, 11.65 bits, measured here).
+    // 6150 ulp or 11.41 correct bits; the worst input is the build machine's.
     // The widened 32fc tiers: four roundings of 2^-53 and one narrowing, 0.5
     // ulp plus 2^-27 at most.  A26: about six roundings of 2^-53.  The
     // exact tiers: 0.5 ulp plus a few 2^-100 relative in the block, plus

@@ -37,7 +37,7 @@
 //                  larger), and the result s + ((err + eL) + eS).
 //             The exact sum is pL + pS + eL + eS; what the last line loses
 //             is the rounding of (err + eL) + eS, a few 2^-106 of |pL|, so
-//             the result is within 0.5 ulp plus that, measured below.
+//             the result is within 0.5 ulp plus that (the records).
 //             Guard x87 extended.
 //
 // Screen and element path of the exact tiers.  A half-round of two elements
@@ -380,7 +380,7 @@ ORV_RECORDS(
     // special values.  The widened 32fc tiers round a binary64 sum of exact
     // products to binary32: 0.5 ulp plus the double rounding, at most 2^-29
     // ulp.  The exact 64fc tiers: 0.5 ulp plus the lost roundings of the
-    // tails, 0.00025 ulp measured (at results near the subnormal range).
+    // tails, largest at results near the subnormal range.
     {.member = "orvsMul_32fc_A11",
      .maxUlp = 1.46,
      .worst = {164.031448f, -0.896149218f, 1.57754755f, -3.64528131f},
