@@ -157,7 +157,7 @@ struct Four32 {
 inline Four32 loadFour(const Orv32fc* src1, const Orv32fc* src2) {
     F32x4 x0 = load(reals(src1)), x1 = load(reals(src1 + 2));
     F32x4 y0 = load(reals(src2)), y1 = load(reals(src2 + 2));
-    return {pickEven(x0, x1), pickOdd(x0, x1), pickEven(y0, y1), pickOdd(y0, y1), x0, x1, y0, y1};
+    return {evenLanes(x0, x1), oddLanes(x0, x1), evenLanes(y0, y1), oddLanes(y0, y1), x0, x1, y0, y1};
 }
 inline void storeFour(Orv32fc* dst, F32x4 re, F32x4 im) {
     store(reals(dst), unpackLo(re, im));
@@ -246,13 +246,13 @@ inline bool finite(double x) { return (bitsOf(x) & kExponent64) != kExponent64; 
 // quotient in extended precision, one rounding to binary64; the special
 // cases by Annex G in extended precision.
 inline Orv64fc extendedElement(double a, double b, double c, double d) {
-    Extended xc = widen(c), xd = widen(d);
+    Extended xc = extend(c), xd = extend(d);
     Extended q = xc * xc + xd * xd;
     if (finite(a) && finite(b) && finite(c) && finite(d) && q != 0) {
         Extended re = extendedSumOfProducts(a, c, b, d), im = extendedSumOfProducts(b, c, -a, d);
         return {roundToDouble(re / q), roundToDouble(im / q)};
     }
-    Parts<Extended> s = specialQuotient<Extended>(widen(a), widen(b), xc, xd);
+    Parts<Extended> s = specialQuotient<Extended>(extend(a), extend(b), xc, xd);
     return {roundToDouble(s.re), roundToDouble(s.im)};
 }
 

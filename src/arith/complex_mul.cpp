@@ -162,7 +162,7 @@ inline void mulLoop26(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, in
 inline void conjHalf11(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst) {
     F32x4 x0 = load(reals(src1)), x1 = load(reals(src1 + 2));
     F32x4 y0 = load(reals(src2)), y1 = load(reals(src2 + 2));
-    Parts<F32x4> r = plainConjProduct(pickEven(x0, x1), pickOdd(x0, x1), pickEven(y0, y1), pickOdd(y0, y1));
+    Parts<F32x4> r = plainConjProduct(evenLanes(x0, x1), oddLanes(x0, x1), evenLanes(y0, y1), oddLanes(y0, y1));
     store(reals(dst), unpackLo(r.re, r.im));
     store(reals(dst + 2), unpackHi(r.re, r.im));
 }
@@ -254,7 +254,7 @@ inline Orv64fc exactElement(double a, double b, double c, double d) {
     if (finiteNonzero(a) && finiteNonzero(b) && finiteNonzero(c) && finiteNonzero(d))
         return {roundToDouble(extendedSumOfProducts(a, c, -b, d)),
                 roundToDouble(extendedSumOfProducts(a, d, b, c))};
-    Extended xa = widen(a), xb = widen(b), xc = widen(c), xd = widen(d);
+    Extended xa = extend(a), xb = extend(b), xc = extend(c), xd = extend(d);
     return {roundToDouble(xa * xc - xb * xd), roundToDouble(xa * xd + xb * xc)};
 }
 

@@ -9,6 +9,7 @@
 
 #include "frame/bits.h"
 #include "frame/simd.h"
+#include "frame/x87.h"
 
 namespace orv::exact {
 
@@ -73,11 +74,8 @@ inline F64x2 exactComponent(F64x2 f1, F64x2 g1, F64x2 f2, F64x2 g2) {
 }
 
 // ---- x87 extended ---------------------------------------------------------------
-// Values in the x87's 80-bit format, held as long double; the callers' guard
-// has set 64-bit precision, round to nearest.
-using Extended = long double;
-inline Extended widen(double x) { return Extended(x); }
-inline double roundToDouble(Extended x) { return double(x); }
+// Extended values of the x87 vocabulary; the callers' guard (or scoped x87
+// mode) has set 64-bit precision, round to nearest.
 
 // Veltkamp's constant for 64-bit precision: 2^33 + 1 (significand
 // 0x8000000040000000, exponent word 0x4020).  A binary64 value splits into
@@ -100,8 +98,8 @@ inline ExtendedProduct extendedProduct(Extended f, Extended g) {
 // precision: within a few 2^-128 of the larger product, not yet rounded to
 // binary64.
 inline Extended extendedSumOfProducts(double f1, double g1, double f2, double g2) {
-    ExtendedProduct q1 = extendedProduct(widen(f1), widen(g1));
-    ExtendedProduct q2 = extendedProduct(widen(f2), widen(g2));
+    ExtendedProduct q1 = extendedProduct(extend(f1), extend(g1));
+    ExtendedProduct q2 = extendedProduct(extend(f2), extend(g2));
     bool secondLarger = __builtin_fabsl(q1.p) <= __builtin_fabsl(q2.p);
     const ExtendedProduct& L = secondLarger ? q2 : q1;
     const ExtendedProduct& S = secondLarger ? q1 : q2;
