@@ -109,6 +109,56 @@ ORVVM_API OrvStatus orvsAbs_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len)
 ORVVM_API OrvStatus orvsConj_32fc_A24(const Orv32fc* src, Orv32fc* dst, int32_t len);
 ORVVM_API OrvStatus orvsConj_64fc_A53(const Orv64fc* src, Orv64fc* dst, int32_t len);
 
+/* ---- Complex products ----------------------------------------------------
+ * Mul (complex): dst[i] = src1[i] * src2[i] = (ac - bd) + (ad + bc)i, and
+ * MulByConj: dst[i] = src1[i] * conj(src2[i]) = (ac + bd) + (bc - ad)i, with
+ * a + bi = src1[i] and c + di = src2[i].  Shape B.  The tiers differ in how
+ * well they keep a component whose two products nearly cancel: A11 and A26
+ * use the plain formula in the element's precision (such a component may
+ * lose all its bits; they keep the caller's denormals-are-zero); the 32fc
+ * A21/A24 compute in binary64, where the products are exact, and round
+ * once; the 64fc A50/A53 fold in the exact rounding error of every
+ * product.  A21 = A24 and A50 = A53.  Overflow and underflow give no
+ * warning: every completed call returns orvStatusOk. */
+ORVVM_API OrvStatus orvsMul_32fc_A11(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsMul_32fc_A21(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsMul_32fc_A24(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsMul_64fc_A26(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsMul_64fc_A50(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsMul_64fc_A53(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsMulByConj_32fc_A11(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsMulByConj_32fc_A21(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsMulByConj_32fc_A24(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsMulByConj_64fc_A26(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsMulByConj_64fc_A50(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsMulByConj_64fc_A53(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
+
+/* ---- Rounding -------------------------------------------------------------
+ * Round to an integral value, kept in the floating-point type; exact, no
+ * tier, no warning.  Shape U, Modf shape S.  Arguments checked from the last
+ * pointer to the first, then len.  Ceil rounds up, Floor down, Trunc toward
+ * zero, Round to nearest with ties away from zero, whatever the caller's
+ * mode; Rint and NearbyInt (one function) round in the caller's current
+ * mode and raise inexact when they drop a fraction.  The sign of zero is
+ * kept: -0 gives -0, and a result of zero has the sign of the argument.
+ * Modf writes the integral part (toward zero) to dstInt and the fraction to
+ * dstFrac; the fraction of an integer or an infinity is a zero with the
+ * sign of the argument.  NaN gives a quiet NaN (in both Modf outputs). */
+ORVVM_API OrvStatus orvsCeil_32f(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCeil_64f(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsFloor_32f(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsFloor_64f(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTrunc_32f(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTrunc_64f(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsRound_32f(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsRound_64f(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsRint_32f(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsRint_64f(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsNearbyInt_32f(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsNearbyInt_64f(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsModf_32f(const Orv32f* src, Orv32f* dstInt, Orv32f* dstFrac, int32_t len);
+ORVVM_API OrvStatus orvsModf_64f(const Orv64f* src, Orv64f* dstInt, Orv64f* dstFrac, int32_t len);
+
 /* ---- Exponential (real) -----------------------------------------------
  * Exp: dst[i] = e^src[i].  Shape U.  Arguments checked dst, src, then len;
  * results do not depend on the caller's rounding or flush modes (a caller's
@@ -300,6 +350,23 @@ ORVVM_API OrvStatus orvsDiv_32f_A24(const Orv32f* src1, const Orv32f* src2, Orv3
 ORVVM_API OrvStatus orvsDiv_64f_A26(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsDiv_64f_A50(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsDiv_64f_A53(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+
+/* Div (complex): dst[i] = src1[i] / src2[i].  Shape B.  Special values as
+   C99 Annex G gives them: a finite value over an infinity is a zero, an
+   infinity over a finite value an infinity, a nonzero value over zero an
+   infinity, each with the signs of the plain formula.  A11 and A26 work in
+   the element's precision with a scaled divisor (they keep the caller's
+   denormals-are-zero); the 32fc A21/A24 compute in binary64 and round
+   once; the 64fc A50/A53 use exact products and the x87's wide exponent,
+   so no intermediate term overflows or underflows where the quotient is
+   representable.  A21 = A24 and A50 = A53.  Every completed call returns
+   orvStatusOk. */
+ORVVM_API OrvStatus orvsDiv_32fc_A11(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsDiv_32fc_A21(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsDiv_32fc_A24(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsDiv_64fc_A26(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsDiv_64fc_A50(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsDiv_64fc_A53(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
 
 /* Inv: dst[i] = 1 / src[i].  Shape U.  Warns for src[i] = +-0 in every
    member; orvsInv_64f_A53 also raises the divide-by-zero flag and, under

@@ -60,11 +60,24 @@ inline F32x4 evenLanes(F32x4 a, F32x4 b) { return {_mm_shuffle_ps(a.v, b.v, _MM_
 inline F32x4 oddLanes(F32x4 a, F32x4 b) { return {_mm_shuffle_ps(a.v, b.v, _MM_SHUFFLE(3, 1, 3, 1))}; }
 // Rows of four, transposed in place: lane k of row j becomes lane j of row k.
 inline void transpose(F32x4& r0, F32x4& r1, F32x4& r2, F32x4& r3) { _MM_TRANSPOSE4_PS(r0.v, r1.v, r2.v, r3.v); }
+// (a2, b2, a3, b3): the high lanes of a and b interleaved.
+inline F32x4 unpackHi(F32x4 a, F32x4 b) { return {_mm_unpackhi_ps(a.v, b.v)}; }
+// (a0, a0, a2, a2), (a1, a1, a3, a3) and (a1, a0, a3, a2): per pair of lanes,
+// the first or the second repeated, or the two swapped.
+inline F32x4 duplicateEven(F32x4 a) { return {_mm_moveldup_ps(a.v)}; }
+inline F32x4 duplicateOdd(F32x4 a) { return {_mm_movehdup_ps(a.v)}; }
+inline F32x4 swapPairs(F32x4 a) { return {_mm_shuffle_ps(a.v, a.v, _MM_SHUFFLE(2, 3, 0, 1))}; }
+// Lanes 0 and 1 stored to two adjacent floats: the reverse of loadPair.
+inline void storePair(float* p, F32x4 a) {
+    _mm_storel_pi(reinterpret_cast<__m64*>(p), a.v);
+}
 
 inline F32x4 operator+(F32x4 a, F32x4 b) { return {_mm_add_ps(a.v, b.v)}; }
 inline F32x4 operator-(F32x4 a, F32x4 b) { return {_mm_sub_ps(a.v, b.v)}; }
 inline F32x4 operator*(F32x4 a, F32x4 b) { return {_mm_mul_ps(a.v, b.v)}; }
 inline F32x4 operator/(F32x4 a, F32x4 b) { return {_mm_div_ps(a.v, b.v)}; }
+// (a0 - b0, a1 + b1, a2 - b2, a3 + b3): the complex product's last step.
+inline F32x4 addSub(F32x4 a, F32x4 b) { return {_mm_addsub_ps(a.v, b.v)}; }
 inline F32x4 operator&(F32x4 a, F32x4 b) { return {_mm_and_ps(a.v, b.v)}; }
 inline F32x4 operator|(F32x4 a, F32x4 b) { return {_mm_or_ps(a.v, b.v)}; }
 inline F32x4 operator^(F32x4 a, F32x4 b) { return {_mm_xor_ps(a.v, b.v)}; }
@@ -131,6 +144,8 @@ inline F64x2 operator+(F64x2 a, F64x2 b) { return {_mm_add_pd(a.v, b.v)}; }
 inline F64x2 operator-(F64x2 a, F64x2 b) { return {_mm_sub_pd(a.v, b.v)}; }
 inline F64x2 operator*(F64x2 a, F64x2 b) { return {_mm_mul_pd(a.v, b.v)}; }
 inline F64x2 operator/(F64x2 a, F64x2 b) { return {_mm_div_pd(a.v, b.v)}; }
+// (a0 - b0, a1 + b1).
+inline F64x2 addSub(F64x2 a, F64x2 b) { return {_mm_addsub_pd(a.v, b.v)}; }
 inline F64x2 operator&(F64x2 a, F64x2 b) { return {_mm_and_pd(a.v, b.v)}; }
 inline F64x2 operator|(F64x2 a, F64x2 b) { return {_mm_or_pd(a.v, b.v)}; }
 inline F64x2 operator^(F64x2 a, F64x2 b) { return {_mm_xor_pd(a.v, b.v)}; }
@@ -151,6 +166,8 @@ inline double lane1(F64x2 a) { return _mm_cvtsd_f64(_mm_unpackhi_pd(a.v, a.v)); 
 // (a0, b0) and (a1, b1): the two ways of pairing the lanes of two vectors.
 inline F64x2 unpackLo(F64x2 a, F64x2 b) { return {_mm_unpacklo_pd(a.v, b.v)}; }
 inline F64x2 unpackHi(F64x2 a, F64x2 b) { return {_mm_unpackhi_pd(a.v, b.v)}; }
+// (a1, a0).
+inline F64x2 swapLanes(F64x2 a) { return {_mm_shuffle_pd(a.v, a.v, 1)}; }
 
 // Conversions between the lane widths: the two low floats widened exactly,
 // or two doubles rounded to the two low floats (the high two become zero).

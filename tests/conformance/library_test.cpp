@@ -54,8 +54,12 @@ std::string expectedParameters(const ExportInfo& e) {
             return "const " + T + "* src1, const " + T + "* src2, " + T + "* dst, int32_t len";
         case Shape::K:
             return "const " + T + "* src, " + T + " constant, " + T + "* dst, int32_t len";
-        case Shape::S:
-            return "const " + T + "* src, " + T + "* dst1, " + T + "* dst2, int32_t len";
+        case Shape::S: {
+            // The two destinations are named by what they receive.
+            const bool modf = e.family == "Modf";
+            return "const " + T + "* src, " + T + (modf ? "* dstInt, " : "* dstSin, ") + T +
+                   (modf ? "* dstFrac" : "* dstCos") + ", int32_t len";
+        }
         case Shape::M:
             return "const " + T + "* src, " + R + "* dst, int32_t len";
         case Shape::P:
