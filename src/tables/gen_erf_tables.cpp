@@ -15,14 +15,15 @@
 //                  binade from 2^-3; saturation from 4.
 //   A26   24 rows  c0..c7, six zero words, offset o, scale s: degree 7 in
 //                  t = |x| s - o, o the band's midpoint, s = 1; row 0 odd
-//                  with o = 0; 4 bands per binade from 2^-3; saturation
+//                  with o = 0 and c1 = 2/sqrt(pi) rounded; 4 bands per binade from 2^-3; saturation
 //                  from 6 with s = 0.
 //   A50   24 rows  c0..c13, o, s: the same bands, degree 13.
 //   A53   46 rows  c0 tail, c0 head, c1..c10, negated centre, three zero
 //                  words: degree 10 in u = |x| - centre, the midpoint of
 //                  the band; 8 bands per binade from 2^-3; c0 as a double-
-//                  double; row 0 has c0 = 0, centre 0, and c1..c10 fitted
-//                  to erf(x)/x, nearly odd; saturation from 6.
+//                  double; row 0 has c0 = 0, centre 0, c1 = 2/sqrt(pi)
+//                  rounded and c2..c10 fitted to (erf(x) - c1 x)/x^2,
+//                  nearly odd; saturation from 6.
 //
 // Usage: gen_erf_tables > src/tables/erf_tables.h
 #include "gen_fit_common.h"
@@ -31,6 +32,18 @@ namespace {
 
 using fit::Big;
 using fit::fromBits;
+
+// 2/sqrt(pi), the slope of erf at 0.  Row 0 fits the rest of erf with c1
+// held at it, and then stores c1 as the double nearest to it (off by
+// 2^-56 relative): a c1 fitted freely could be off by up to half its ulp,
+// which costs up to half an ulp of the result near 0, where no other
+// coefficient can make up for it.
+Big slopeAtZero() {
+    Big pi, r;
+    mpfr_const_pi(pi.get(), MPFR_RNDN);
+    mpfr_sqrt(r.get(), pi.get(), MPFR_RNDN);
+    return Big(2.0) / r;
+}
 
 Big erfAt(const Big& x) {
     Big r;
@@ -117,7 +130,7 @@ void centredTable(const char* name, int degree,
             if (fixed)
                 for (int k = 0; k <= degree; ++k) c.push_back(fromBits((*fixed)[k]));
             else if (r == 0)
-                c = rounded(fit::oddFit(erfAt, b.hi, degree));
+                c = rounded(fit::oddFit(erfAt, b.hi, degree, slopeAtZero()));
             else
                 c = rounded(fit::chebyshevFit(inT, b.lo - o, b.hi - o, degree));
             double err = fit::log2RelativeError(inT, exactly(c), r == 0 ? b.hi / 4096 : b.lo - o, b.hi - o);
@@ -155,7 +168,7 @@ void table53(const std::vector<uint64_t>& row1) {
                 exact.push_back(Big(slots[0]) + Big(slots[1]));
                 for (int k = 2; k < 12; ++k) exact.push_back(Big(slots[k]));
             } else {
-                std::vector<Big> c = r == 0 ? fit::fitWithFixed(erfAt, 0.0, b.hi, degree, {Big()})
+                std::vector<Big> c = r == 0 ? fit::fitWithFixed(erfAt, 0.0, b.hi, degree, {Big(), slopeAtZero()})
                                             : fit::chebyshevFit(inU, b.lo - centre, b.hi - centre, degree);
                 double head = fit::nearest(c[0]);
                 double tail = (c[0] - Big(head)).toDouble();
@@ -166,7 +179,7 @@ void table53(const std::vector<uint64_t>& row1) {
                     slots[k + 1] = fit::nearest(c[k]);
                     exact.push_back(Big(slots[k + 1]));
                 }
-                slots[12] = -centre;
+                slots[12] = r == 0 ? 0.0 : -centre;
             }
             double err = fit::log2RelativeError(inU, exact, r == 0 ? b.hi / 4096 : b.lo - centre, b.hi - centre);
             worst = std::max(worst, err);

@@ -129,17 +129,18 @@ inline std::vector<Big> fitWithFixed(const Function& g, double a, double b, int 
     return all;
 }
 
-// An odd fit of degree n (odd) on [0, b]: g(t)/t is fitted as a polynomial
-// in s = t^2, so c0, c2, ... are exactly 0.
-inline std::vector<Big> oddFit(const Function& g, double b, int n) {
+// An odd fit of degree n (odd) on [0, b] with c1 given: (g(t)/t - c1)/t^2
+// is fitted as a polynomial in s = t^2, so c0, c2, ... are exactly 0.
+inline std::vector<Big> oddFit(const Function& g, double b, int n, const Big& c1) {
     Function inS = [&](const Big& s) {
         Big t;
         mpfr_sqrt(t.get(), s.get(), MPFR_RNDN);
-        return g(t) / t;
+        return (g(t) / t - c1) / s;
     };
-    std::vector<Big> even = chebyshevFit(inS, 0.0, b * b, (n - 1) / 2);
+    std::vector<Big> even = chebyshevFit(inS, 0.0, b * b, (n - 3) / 2);
     std::vector<Big> all(n + 1);
-    for (size_t k = 0; k < even.size(); ++k) all[2 * k + 1] = even[k];
+    all[1] = c1;
+    for (size_t k = 0; k < even.size(); ++k) all[2 * k + 3] = even[k];
     return all;
 }
 
