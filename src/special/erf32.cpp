@@ -271,3 +271,7 @@ ORV_EXPORT OrvStatus orvsErf_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len
             [&](int32_t i) { dst[i] = erfElement(src[i], kernel24); });
     });
 }
+
+ORV_ACCURACY(orvsErf_32f_A11, 100000, ORV_RANGE(-3, 3), ORV_RANGE(-3.4e38, 3.4e38));
+ORV_ACCURACY(orvsErf_32f_A21, 4, ORV_RANGE(-4, 4), ORV_RANGE(-3.4e38, 3.4e38));
+ORV_ACCURACY(orvsErf_32f_A24, 1, ORV_RANGE(-4, 4), ORV_RANGE(-3.4e38, 3.4e38));

@@ -275,3 +275,7 @@ ORV_EXPORT OrvStatus orvsErf_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len
         erfLoop64<Tier53>(tables::kErfRows53, src, dst, len);
     });
 }
+
+ORV_ACCURACY(orvsErf_64f_A26, 1e9, ORV_RANGE(-6, 6), ORV_RANGE(-1e-300, 1e-300), ORV_RANGE(-1.7e308, 1.7e308));
+ORV_ACCURACY(orvsErf_64f_A50, 4, ORV_RANGE(-6, 6), ORV_RANGE(-1e-300, 1e-300), ORV_RANGE(-1.7e308, 1.7e308));
+ORV_ACCURACY(orvsErf_64f_A53, 1, ORV_RANGE(-6, 6), ORV_RANGE(-1e-300, 1e-300), ORV_RANGE(-1.7e308, 1.7e308));

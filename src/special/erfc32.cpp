@@ -315,3 +315,7 @@ ORV_EXPORT OrvStatus orvsErfc_32f_A24(const Orv32f* src, Orv32f* dst, int32_t le
             [&](int32_t i) { dst[i] = erfcElement(src[i], status, erfcTwin<Tier24>); });
     });
 }
+
+ORV_ACCURACY(orvsErfc_32f_A11, 100000, ORV_RANGE(-10.05, 10.05), ORV_RANGE(9, 10.1), ORV_RANGE(-3.4e38, 3.4e38));
+ORV_ACCURACY(orvsErfc_32f_A21, 4, ORV_RANGE(-10.05, 10.05), ORV_RANGE(9, 10.1), ORV_RANGE(-3.4e38, 3.4e38));
+ORV_ACCURACY(orvsErfc_32f_A24, 1, ORV_RANGE(-10.05, 10.05), ORV_RANGE(9, 10.1), ORV_RANGE(-3.4e38, 3.4e38));

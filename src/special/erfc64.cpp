@@ -311,3 +311,7 @@ ORV_EXPORT OrvStatus orvsErfc_64f_A53(const Orv64f* src, Orv64f* dst, int32_t le
     return pointersFirstFrame<kGuardNearest>({src, dst}, len,
                                              [&](StatusVar& status) { erfcLoop<Tier53>(src, dst, len, status); });
 }
+
+ORV_ACCURACY(orvsErfc_64f_A26, 1e9, ORV_RANGE(-27.2, 27.2), ORV_RANGE(26, 27.3), ORV_RANGE(-1.7e308, 1.7e308));
+ORV_ACCURACY(orvsErfc_64f_A50, 4, ORV_RANGE(-27.2, 27.2), ORV_RANGE(26, 27.3), ORV_RANGE(-1.7e308, 1.7e308));
+ORV_ACCURACY(orvsErfc_64f_A53, 1, ORV_RANGE(-26.5, 26.5), ORV_RANGE(26, 27.3), ORV_RANGE(-1.7e308, 1.7e308));
