@@ -290,11 +290,12 @@ namespace {
 using namespace records;
 }  // namespace
 
-// Measured on the harness's samples and 2^22 random inputs per range.
+// The largest errors found on the harness's samples and on 10^5 to 2.6 10^5
+// random inputs over the ordinary range (the exhaustive run is still to do).
 ORV_RECORDS(
     {.member = "orvsErf_64f_A26",
      .maxUlp = 1166236,
-     .worst = {2.000019104738751},
+     .worst = {2.0},
      .ranges = {symmetric(kSaturation64), symmetric(kTinyBound53), kFinite64}},
     {.member = "orvsErf_64f_A50",
      .maxUlp = 1.49,
@@ -302,10 +303,10 @@ ORV_RECORDS(
      .ranges = {symmetric(kSaturation64), symmetric(kTinyBound53), kFinite64}},
     // The largest errors are in the band [4, 4.5), where degree 10 leaves
     // a fit error of 2^-54.6, and in row 0, where c1 is 2/sqrt(pi) rounded
-    // (2^-56 relative); 0.55 ulp elsewhere.
+    // (2^-56 relative, up to 0.64 ulp).
     {.member = "orvsErf_64f_A53",
      .maxUlp = 0.82,
-     .worst = {4.0861342762558195},
+     .worst = {-4.0397573537616962},
      .ranges = {symmetric(kSaturation64), symmetric(kTinyBound53), kFinite64}})
 }  // namespace orv
 #endif

@@ -332,11 +332,12 @@ using namespace records;
 Interval underflowRange() { return {floatFromBits(kUnderflowFrom), 10.5}; }
 }  // namespace
 
-// Measured on the harness's samples and 2^22 random inputs per range.
+// The largest errors found on the harness's samples and on 10^5 to 2.6 10^5
+// random inputs over the ordinary range (the exhaustive run is still to do).
 ORV_RECORDS(
     {.member = "orvsErfc_32f_A11",
-     .maxUlp = 4295,
-     .worst = {3.0587887763977051},
+     .maxUlp = 4303,
+     .worst = {3.0588955879211426},
      .ranges = {symmetric(floatFromBits(kZeroPoint21)), underflowRange(), kFinite32}},
     {.member = "orvsErfc_32f_A21",
      .maxUlp = 2.01,

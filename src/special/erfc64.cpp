@@ -327,20 +327,21 @@ using namespace records;
 Interval tailRange() { return {doubleFromBits(kSubnormal50) - 0.5, 28.0}; }
 }  // namespace
 
-// Measured on the harness's samples and 2^22 random inputs per range.
+// The largest errors found on the harness's samples and on 10^5 to 2.6 10^5
+// random inputs over the ordinary range (the exhaustive run is still to do).
 ORV_RECORDS(
     {.member = "orvsErfc_64f_A26",
-     .maxUlp = 3.23,
-     .worst = {19.771613079371484},
+     .maxUlp = 3.39,
+     .worst = {18.334742401198096},
      .ranges = {symmetric(doubleFromBits(kZeroPoint)), tailRange(), kFinite64}},
     {.member = "orvsErfc_64f_A50",
-     .maxUlp = 3.23,
-     .worst = {19.771613079371484},
+     .maxUlp = 3.39,
+     .worst = {18.334742401198096},
      .ranges = {symmetric(doubleFromBits(kZeroPoint)), tailRange(), kFinite64},
      .sameAs = "orvsErfc_64f_A26"},
     // The largest error is at the top of the subnormal results, where the
     // specified (W tail + W head) S rounds twice, to 53 bits and then to
-    // the subnormal's precision; 0.55 ulp on normal results.
+    // the subnormal's precision; about 0.55 ulp on normal results.
     {.member = "orvsErfc_64f_A53",
      .maxUlp = 0.75,
      .worst = {26.551100817844805},
