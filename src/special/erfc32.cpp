@@ -64,7 +64,6 @@ constexpr uint32_t kUnderflowFrom = 0x41131CE0;  // 9.19454956
 constexpr uint32_t kUnderflowBias = kUnderflowFrom | kSign32, kUnderflowTest = 0xBE6CE31F;
 // A24 replaces |x| < 2^-27 by +0 in the twin; erfc is 1.0 there.
 constexpr uint32_t kTiny24 = 0x32000000;
-constexpr uint32_t kInfinity32 = 0x7F800000;
 
 // A11: the exponential.
 constexpr float kLog2e32 = floatFromBits(0x3FB8AA3B);       // 1.44269502
