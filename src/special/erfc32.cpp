@@ -331,12 +331,13 @@ using namespace records;
 Interval underflowRange() { return {floatFromBits(kUnderflowFrom), 10.5}; }
 }  // namespace
 
-// The largest errors found on the harness's samples and on 10^5 to 2.6 10^5
-// random inputs over the ordinary range (the exhaustive run is still to do).
+// A11 measured over all 2^32 inputs; A21 and A24 the largest errors found on
+// the harness's samples and on 10^5 to 2.6 10^5 random inputs over the
+// ordinary range (their exhaustive run is still to do).
 ORV_RECORDS(
     {.member = "orvsErfc_32f_A11",
-     .maxUlp = 4303,
-     .worst = {3.0588955879211426},
+     .maxUlp = 4313,
+     .worst = {3.058990716934204},
      .ranges = {symmetric(floatFromBits(kZeroPoint21)), underflowRange(), kFinite32}},
     {.member = "orvsErfc_32f_A21",
      .maxUlp = 2.01,
