@@ -406,6 +406,34 @@ ORVVM_API OrvStatus orvsCos_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len)
 ORVVM_API OrvStatus orvsCos_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsCos_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsCos_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+/* ---- Error functions -----------------------------------------------------
+ * Erf: dst[i] = erf(src[i]).  Shape U.  Never warns.  +-inf gives +-1,
+ * +-0 gives +-0, a NaN comes back quiet (A11 gives the NaN of its
+ * polynomial, the other 32f members the input quieted, the 64f members the
+ * input's bits unchanged).  From |x| = 3 (A11), 4 (A21, A24) or 6 (64f)
+ * on the result is +-1.
+ * Erfc: dst[i] = erfc(src[i]), to full relative accuracy down into the
+ * subnormal results of the far positive tail.  Shape U.  Warns
+ * orvStatusUnderflow when an element that a block could not take whole, or
+ * one of the last len mod 4 (len mod 8 in A11), gives a result below the
+ * smallest normal number: x at or above 9.19454956 in 32f, above
+ * 26.543258 in A26 and A50, and from 27.226017 on (a result of +0) in
+ * A53.  +inf gives +0, -inf and large negative x give 2.0, +-0 gives 1.0.
+ * A NaN comes back unchanged in A11, A26, A50 and as x * 2 (A21, A24) or
+ * x * x (A53) otherwise.  orvsErfc_64f_A26 and orvsErfc_64f_A50 give
+ * equal results. */
+ORVVM_API OrvStatus orvsErf_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErf_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErf_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErf_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErf_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErf_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfc_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfc_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfc_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfc_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfc_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfc_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
 
 #ifdef __cplusplus
 }
