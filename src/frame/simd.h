@@ -52,6 +52,10 @@ inline F32x4 loadPair(const float* p) {
 inline F32x4 unpackLo(F32x4 a, F32x4 b) { return {_mm_unpacklo_ps(a.v, b.v)}; }
 inline F32x4 lowHalves(F32x4 a, F32x4 b) { return {_mm_movelh_ps(a.v, b.v)}; }
 inline F32x4 highHalves(F32x4 a, F32x4 b) { return {_mm_movehl_ps(b.v, a.v)}; }
+// The even and the odd lanes of a and b side by side, (a0, a2, b0, b2) and
+// (a1, a3, b1, b3): interleaved pairs (complex re, im) split on load.
+inline F32x4 evenLanes(F32x4 a, F32x4 b) { return {_mm_shuffle_ps(a.v, b.v, _MM_SHUFFLE(2, 0, 2, 0))}; }
+inline F32x4 oddLanes(F32x4 a, F32x4 b) { return {_mm_shuffle_ps(a.v, b.v, _MM_SHUFFLE(3, 1, 3, 1))}; }
 
 inline F32x4 operator+(F32x4 a, F32x4 b) { return {_mm_add_ps(a.v, b.v)}; }
 inline F32x4 operator-(F32x4 a, F32x4 b) { return {_mm_sub_ps(a.v, b.v)}; }

@@ -291,14 +291,6 @@ inline bool hypotRound32(F32x4 a0, F32x4 b0, F32x4 a1, F32x4 b1, float* out) {
     return true;
 }
 
-// re of two 16-byte groups of two complex binary32 each, and their im.
-inline F32x4 evenLanes(F32x4 g0, F32x4 g1) {
-    return {_mm_shuffle_ps(g0.v, g1.v, _MM_SHUFFLE(2, 0, 2, 0))};
-}
-inline F32x4 oddLanes(F32x4 g0, F32x4 g1) {
-    return {_mm_shuffle_ps(g0.v, g1.v, _MM_SHUFFLE(3, 1, 3, 1))};
-}
-
 OrvStatus hypot32(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len) {
     return pointersFirstFrame<kGuardNearest>({src1, src2, dst}, len, [&](StatusVar&) {
         wholeBlockFallback<8>(
