@@ -313,14 +313,20 @@ ORV_EXPORT OrvStatus orvsAtan_64f_A53(const Orv64f* src, Orv64f* dst, int32_t le
 #include "frame/record.h"
 
 namespace orv {
+namespace {
+using records::Interval;
+// The ordinary range holds every interval of every tier; the whole line
+// reaches the reciprocal branch far out.
+constexpr Interval kOrdinary{-8.0, 8.0};
+}  // namespace
 ORV_RECORDS(
-    {.member = "orvsAtan_32f_A11", .maxUlp = 0, .worst = {0}, .ranges = {symmetric(4.0), kFinite32}},
-    {.member = "orvsAtan_32f_A21", .maxUlp = 0, .worst = {0}, .ranges = {symmetric(4.0), kFinite32}},
-    {.member = "orvsAtan_32f_A24", .maxUlp = 0, .worst = {0}, .ranges = {symmetric(4.0), kFinite32}},
-    {.member = "orvsAtan_64f_A26", .maxUlp = 0, .worst = {0}, .ranges = {symmetric(4.0), kFinite64}},
-    {.member = "orvsAtan_64f_A50", .maxUlp = 0, .worst = {0}, .ranges = {symmetric(4.0), kFinite64},
+    {.member = "orvsAtan_32f_A11", .maxUlp = 2934.5, .worst = {0x1.31effep+0}, .ranges = {kOrdinary, kFinite32}},
+    {.member = "orvsAtan_32f_A21", .maxUlp = 3.844, .worst = {0x1.05be5ap+0}, .ranges = {kOrdinary, kFinite32}},
+    {.member = "orvsAtan_32f_A24", .maxUlp = 0.9517, .worst = {0x1.8c7706p+0}, .ranges = {kOrdinary, kFinite32}},
+    {.member = "orvsAtan_64f_A26", .maxUlp = 9.66e6, .worst = {-0x1.bc52ee255c39p-3}, .ranges = {kOrdinary, kFinite64}},
+    {.member = "orvsAtan_64f_A50", .maxUlp = 0.7563, .worst = {0x1.75c567212386cp+1}, .ranges = {kOrdinary, kFinite64},
      .sameAs = "orvsAtan_64f_A53"},
-    {.member = "orvsAtan_64f_A53", .maxUlp = 0, .worst = {0}, .ranges = {symmetric(4.0), kFinite64}})
+    {.member = "orvsAtan_64f_A53", .maxUlp = 0.7563, .worst = {0x1.75c567212386cp+1}, .ranges = {kOrdinary, kFinite64}})
 }  // namespace orv
 
 #endif  // ORVVM_RECORDS

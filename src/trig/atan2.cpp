@@ -678,8 +678,56 @@ ORV_ATAN2_64(A53, atan2Kernel53)
 #include "frame/record.h"
 
 namespace orv {
+namespace {
+using records::Interval;
+// Components in argument order: Atan2 (y, x), Arg (re, im).  Ordinary
+// operands, the whole line, and ratios far from 1 either way.
+constexpr Interval kOrdinary{-4.0, 4.0};
+constexpr Interval kSmall{-1e-6, 1e-6};
+constexpr const char* kNeighbours =
+    "a block holding a zero, an infinity, a NaN or an extreme operand (and in A21 a block whose "
+    "product of operands overflows or underflows) is computed whole by the double-double element "
+    "routine, whose value differs from the block kernel's within the tier";
+}  // namespace
 ORV_RECORDS(
-    {.member = "orvsAtan2_32f_A11", .maxUlp = 0, .worst = {0, 0}, .ranges = {Box{symmetric(4.0), symmetric(4.0)}}})
+    {.member = "orvsAtan2_32f_A11", .maxUlp = 3773.5, .worst = {0x1.dc5fe2p-22, 0x1.dc6d34p+98},
+     .ranges = {Box{kOrdinary, kOrdinary}, Box{kFinite32, kFinite32}, Box{kOrdinary, kSmall}, Box{kSmall, kOrdinary}},
+     .position = {kNeighbours, 3774}},
+    {.member = "orvsAtan2_32f_A21", .maxUlp = 3.176, .worst = {0x1.05b77ep+1, 0x1.06cc3ap+1},
+     .ranges = {Box{kOrdinary, kOrdinary}, Box{kFinite32, kFinite32}, Box{kOrdinary, kSmall}, Box{kSmall, kOrdinary}},
+     .position = {kNeighbours, 3.7}},
+    {.member = "orvsAtan2_32f_A24", .maxUlp = 0.644, .worst = {-0x1.552b56p-2, 0x1.20091cp+0},
+     .ranges = {Box{kOrdinary, kOrdinary}, Box{kFinite32, kFinite32}, Box{kOrdinary, kSmall}, Box{kSmall, kOrdinary}},
+     .position = {kNeighbours, 1.15}},
+    {.member = "orvsArg_32fc_A11", .maxUlp = 3773.5, .worst = {0x1.dc6d34p+98, 0x1.dc5fe2p-22},
+     .ranges = {Box{kOrdinary, kOrdinary}, Box{kFinite32, kFinite32}, Box{kOrdinary, kSmall}, Box{kSmall, kOrdinary}},
+     .position = {kNeighbours, 3774}},
+    {.member = "orvsArg_32fc_A21", .maxUlp = 3.176, .worst = {0x1.06cc3ap+1, 0x1.05b77ep+1},
+     .ranges = {Box{kOrdinary, kOrdinary}, Box{kFinite32, kFinite32}, Box{kOrdinary, kSmall}, Box{kSmall, kOrdinary}},
+     .position = {kNeighbours, 3.7}},
+    {.member = "orvsArg_32fc_A24", .maxUlp = 0.644, .worst = {0x1.20091cp+0, -0x1.552b56p-2},
+     .ranges = {Box{kOrdinary, kOrdinary}, Box{kFinite32, kFinite32}, Box{kOrdinary, kSmall}, Box{kSmall, kOrdinary}},
+     .position = {kNeighbours, 1.15}},
+    {.member = "orvsAtan2_64f_A26", .maxUlp = 9.66e6, .worst = {0x1.dacd19b8908ep-3, 0x1.118ed000dc954p+0},
+     .ranges = {Box{kOrdinary, kOrdinary}, Box{kFinite64, kFinite64}, Box{kOrdinary, kSmall}, Box{kSmall, kOrdinary}},
+     .position = {kNeighbours, 9.66e6}},
+    {.member = "orvsAtan2_64f_A50", .maxUlp = 0.7846, .worst = {doubleFromBits(0x80387A997AFFF4EB), doubleFromBits(0x250B01DF932B1557)},
+     .ranges = {Box{kOrdinary, kOrdinary}, Box{kFinite64, kFinite64}, Box{kOrdinary, kSmall}, Box{kSmall, kOrdinary}},
+     .position = {kNeighbours, 1.3},
+     .sameAs = "orvsAtan2_64f_A53"},
+    {.member = "orvsAtan2_64f_A53", .maxUlp = 0.7846, .worst = {doubleFromBits(0x80387A997AFFF4EB), doubleFromBits(0x250B01DF932B1557)},
+     .ranges = {Box{kOrdinary, kOrdinary}, Box{kFinite64, kFinite64}, Box{kOrdinary, kSmall}, Box{kSmall, kOrdinary}},
+     .position = {kNeighbours, 1.3}},
+    {.member = "orvsArg_64fc_A26", .maxUlp = 9.66e6, .worst = {0x1.118ed000dc954p+0, 0x1.dacd19b8908ep-3},
+     .ranges = {Box{kOrdinary, kOrdinary}, Box{kFinite64, kFinite64}, Box{kOrdinary, kSmall}, Box{kSmall, kOrdinary}},
+     .position = {kNeighbours, 9.66e6}},
+    {.member = "orvsArg_64fc_A50", .maxUlp = 0.7846, .worst = {doubleFromBits(0x250B01DF932B1557), doubleFromBits(0x80387A997AFFF4EB)},
+     .ranges = {Box{kOrdinary, kOrdinary}, Box{kFinite64, kFinite64}, Box{kOrdinary, kSmall}, Box{kSmall, kOrdinary}},
+     .position = {kNeighbours, 1.3},
+     .sameAs = "orvsArg_64fc_A53"},
+    {.member = "orvsArg_64fc_A53", .maxUlp = 0.7846, .worst = {doubleFromBits(0x250B01DF932B1557), doubleFromBits(0x80387A997AFFF4EB)},
+     .ranges = {Box{kOrdinary, kOrdinary}, Box{kFinite64, kFinite64}, Box{kOrdinary, kSmall}, Box{kSmall, kOrdinary}},
+     .position = {kNeighbours, 1.3}})
 }  // namespace orv
 
 #endif  // ORVVM_RECORDS
