@@ -34,11 +34,9 @@
 // by value in [0.5, 2], 2.6 million next to 1 from both sides, 3 million
 // at and around the row edges (the row-256 edge in every binade among
 // them), 0.8 million denormals and 0.8 million next to powers of two:
-//   Ln    A50 = A53 0.580 ulp; A26 21.59 correct bits (2.87e9 ulp).
-//   Log10 A50 = A53 0.582 ulp; A26 21.59 correct bits (2.49e9 ulp).
-// A26 keeps 26 correct bits only outside about [0.9975, 1.0186]: there the
-// result is of the size of r, and the term r^3/3 that the quadratic leaves
-// out costs up to 2^-21.59 relative, worst at x just below 1 + 2^-10 (row
+// the maxima are in the records.  A26 keeps 26 correct bits only outside
+// about [0.9975, 1.0186]: there the result is of the size of r, and the
+// term r^3/3 that the quadratic leaves out costs up to 2^-21.59 relative, worst at x just below 1 + 2^-10 (row
 // 0, r close to 2^-10).  Elsewhere A26 has 29 or more correct bits.
 //
 // Special values.  +0, -0: -inf and orvStatusSingularity.  Negative x
@@ -290,35 +288,60 @@ ORV_EXPORT OrvStatus orvsLog10_64f_A50(const Orv64f* src, Orv64f* dst, int32_t l
 #include "frame/record.h"
 
 namespace orv {
+namespace {
+using namespace records;
+
+// Every member samples the ordinary range, all positive normals, the
+// denormals (the scaled path) and the neighbourhood of 1, where the result
+// is small.
+std::vector<Box> logRanges() {
+    return {Interval{1e-3, 1e3}, kPositiveNormal64, kPositiveDenormal64, Interval{0.99, 1.01}};
+}
+
+constexpr const char* kShortSeries =
+    "log(1 + r) as r - r^2/2 misses r^3/3, 2^-21.6 of a result the size of r near x = 1; the tests pin 21.5 bits";
+
+}  // namespace
+
 ORV_RECORDS(
-    // Ordinary range first; then all positive normals, the denormals (scale
-    // path) and the neighbourhood of 1, where the result is small.
     // A26 evaluates log(1 + r) as r - r^2/2: the missing r^3/3, with |r| up to
     // 2^-10, is 2^-21.6 of a result the size of r when x is near 1.  Below 26
     // correct bits only for x in about [0.99755, 1.01858]; the records leave
     // [0.9975, 1.0186] out and the tests pin 21.5 bits there.
     {.member = "orvsLn_64f_A26",
      .maxUlp = 2.87e9,
-     .ranges = {Interval{1e-3, 1e3}, kPositiveNormal64, kPositiveDenormal64, Interval{0.99, 1.01}},
-     .exclusions = {excludeMagnitudes({{0.9975, 1.0186}}, 
-                                      "log(1 + r) as r - r^2/2 misses r^3/3, 2^-21.6 of a result near x = 1")}},
+     .worst = {0x1.fe3ffc75e283p-1},
+     .ranges = logRanges(),
+     .exclusions = {excludeMagnitudes({{0.9975, 1.0186}}, kShortSeries)},
+     .peerVectors = "log"},
     {.member = "orvsLn_64f_A50",
      .maxUlp = 0.58,
-     .ranges = {Interval{1e-3, 1e3}, kPositiveNormal64, kPositiveDenormal64, Interval{0.99, 1.01}}},
+     .worst = {0x1.000f8c14e937ep+0},
+     .ranges = logRanges(),
+     .sameAs = "orvsLn_64f_A53",
+     .peerVectors = "log"},
     {.member = "orvsLn_64f_A53",
      .maxUlp = 0.58,
-     .ranges = {Interval{1e-3, 1e3}, kPositiveNormal64, kPositiveDenormal64, Interval{0.99, 1.01}}},
+     .worst = {0x1.000fe0f8a2db5p+0},
+     .ranges = logRanges(),
+     .peerVectors = "log"},
     {.member = "orvsLog10_64f_A26",
      .maxUlp = 2.49e9,
-     .ranges = {Interval{1e-3, 1e3}, kPositiveNormal64, kPositiveDenormal64, Interval{0.99, 1.01}},
-     .exclusions = {excludeMagnitudes({{0.9975, 1.0186}}, 
-                                      "log(1 + r) as r - r^2/2 misses r^3/3, 2^-21.6 of a result near x = 1")}},
+     .worst = {0x1.fdbffd9db4085p-1},
+     .ranges = logRanges(),
+     .exclusions = {excludeMagnitudes({{0.9975, 1.0186}}, kShortSeries)},
+     .peerVectors = "log10"},
     {.member = "orvsLog10_64f_A50",
      .maxUlp = 0.582,
-     .ranges = {Interval{1e-3, 1e3}, kPositiveNormal64, kPositiveDenormal64, Interval{0.99, 1.01}}},
+     .worst = {0x1.ffdc96cecad2cp-1},
+     .ranges = logRanges(),
+     .sameAs = "orvsLog10_64f_A53",
+     .peerVectors = "log10"},
     {.member = "orvsLog10_64f_A53",
      .maxUlp = 0.582,
-     .ranges = {Interval{1e-3, 1e3}, kPositiveNormal64, kPositiveDenormal64, Interval{0.99, 1.01}}}
+     .worst = {0x1.ffdb7a618a912p-1},
+     .ranges = logRanges(),
+     .peerVectors = "log10"}
 )
 }  // namespace orv
 #endif
