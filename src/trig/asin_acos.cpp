@@ -16,7 +16,10 @@
 //   32f A21: the true square root, 5 coefficients.
 //   32f A24: rsqrtps, two Newton steps, sqrt(w) = yh + yl with yh of 12
 //        significant bits (its square is exact) and yl from the exact
-//        residual w - yh^2 by a Newton correction of second order; 5
+//        residual w - yh^2 by a Newton correction of second order (a head
+//        of 8 bits, the pattern's high half, would leave 2^-23 of sqrt(w)
+//        after that correction, which the cancellation against pi/2 near
+//        a = 0.5 turns into ulps of the result); 5
 //        coefficients; pi/4 or pi/2 as a float pair, and the sum
 //        F ((b.hi + yh) + (b.lo + yl + P y)) made with one large rounding.
 //   64f A26 = A50: the true square root, 12 coefficients (Asin) or 11.

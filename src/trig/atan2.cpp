@@ -89,7 +89,8 @@ constexpr uint32_t kA21D[8] = {0xBEAAAA49, 0x3E4CB79F, 0xBE1161F8, 0x3DD96474,
 
 // A24: the interval limits, as multiples of |y| that |x| is compared with.
 constexpr float kLimits24[4] = {2.6875f, 1.75f, 0.72f, 0.375f};
-// atan of the centres 1/2, 1, 2 and pi/2 as a float hi and lo.
+// atan of the centres 1/2, 1, 2 and of the reciprocal branch (pi/2) as a
+// float hi and lo; each lo is the float nearest to atan(c) - hi.
 constexpr uint32_t kHi24[4] = {0x3EED6338, 0x3F490FD8, 0x3F8DB710, 0x3FC90FD8};
 constexpr uint32_t kLo24[4] = {0x31AC3768, 0x34288858, 0xB4DA2880, 0x34A88858};
 // atan t - t ~ t (q3 z + q5 z^2 + q7 z^3 + q9 z^4) on |t| <= 0.375.
