@@ -13,6 +13,10 @@ constexpr uint64_t bitsOf(double x) { return std::bit_cast<uint64_t>(x); }
 constexpr float floatFromBits(uint32_t b) { return std::bit_cast<float>(b); }
 constexpr double doubleFromBits(uint64_t b) { return std::bit_cast<double>(b); }
 
+// The low 32 bits of a double, and a double from its high and low words.
+constexpr uint32_t lowWord(double x) { return uint32_t(std::bit_cast<uint64_t>(x)); }
+constexpr double doubleFromWords(uint32_t hi, uint32_t lo) { return std::bit_cast<double>(uint64_t(hi) << 32 | lo); }
+
 // The high 32 bits of a double hold its sign, exponent and top 20 fraction
 // bits: the word every 64-bit screen and exponent extraction works on.
 constexpr uint32_t highWord(double x) { return uint32_t(bitsOf(x) >> 32); }

@@ -81,6 +81,7 @@ inline F32x4 rcp(F32x4 a) { return {_mm_rcp_ps(a.v)}; }
 inline F32x4 rsqrt(F32x4 a) { return {_mm_rsqrt_ps(a.v)}; }
 
 inline F32x4 cmpLt(F32x4 a, F32x4 b) { return {_mm_cmplt_ps(a.v, b.v)}; }
+inline F32x4 cmpLe(F32x4 a, F32x4 b) { return {_mm_cmple_ps(a.v, b.v)}; }
 inline F32x4 cmpEq(F32x4 a, F32x4 b) { return {_mm_cmpeq_ps(a.v, b.v)}; }
 inline F32x4 cmpUnord(F32x4 a, F32x4 b) { return {_mm_cmpunord_ps(a.v, b.v)}; }
 inline int signMask(F32x4 a) { return _mm_movemask_ps(a.v); }
@@ -139,6 +140,7 @@ inline F64x2 max(F64x2 a, F64x2 b) { return {_mm_max_pd(a.v, b.v)}; }
 inline F64x2 sqrt(F64x2 a) { return {_mm_sqrt_pd(a.v)}; }
 
 inline F64x2 cmpLt(F64x2 a, F64x2 b) { return {_mm_cmplt_pd(a.v, b.v)}; }
+inline F64x2 cmpLe(F64x2 a, F64x2 b) { return {_mm_cmple_pd(a.v, b.v)}; }
 inline F64x2 cmpEq(F64x2 a, F64x2 b) { return {_mm_cmpeq_pd(a.v, b.v)}; }
 inline F64x2 cmpUnord(F64x2 a, F64x2 b) { return {_mm_cmpunord_pd(a.v, b.v)}; }
 inline int signMask(F64x2 a) { return _mm_movemask_pd(a.v); }
@@ -171,6 +173,8 @@ inline I32x4 splat64(uint64_t x) { return {_mm_set1_epi64x(int64_t(x))}; }
 inline I32x4 setLanes32(uint32_t a0, uint32_t a1, uint32_t a2, uint32_t a3) {
     return {_mm_setr_epi32(int(a0), int(a1), int(a2), int(a3))};
 }
+// Two 64-bit integers, lane 0 first (table entries gathered by scalar index).
+inline I32x4 setLanes64(uint64_t a0, uint64_t a1) { return {_mm_set_epi64x(int64_t(a1), int64_t(a0))}; }
 
 // Two 64-bit table entries loaded straight into the low and high lanes
 // (no trip through the integer registers).
