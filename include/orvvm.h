@@ -434,6 +434,54 @@ ORVVM_API OrvStatus orvsErfc_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len
 ORVVM_API OrvStatus orvsErfc_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsErfc_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsErfc_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+/* ---- Inverse trigonometric functions ------------------------------------
+ * Asin, Acos: the whole domain is handled in the block loop.  +-1 give
+ * exact values (Asin: +-pi/2, Acos: 0 and pi); |x| > 1 and the infinities
+ * give the default NaN (0xFFC00000, 0xFFF8000000000000) with
+ * orvStatusDomain and the invalid flag; a NaN is returned as stored, not
+ * made quiet.  orvsAsin_64f_A26 and orvsAsin_64f_A50 are one computation,
+ * and so are orvsAcos_64f_A26 and orvsAcos_64f_A50.
+ * Atan: no warning; NaN and the infinities take the ordinary arithmetic
+ * (+-inf give +-pi/2, a NaN a quiet NaN with its sign).  The A11 and A21
+ * tiers use the processor's approximate reciprocal (rcpps), so the bits of
+ * their results depend on the processor.  orvsAtan_64f_A50 and
+ * orvsAtan_64f_A53 are one computation.
+ * Atan2: dst[i] = the angle of the point (x, y) = (src2[i], src1[i]): src1
+ * holds y.  Arg: dst[i] = the phase of src[i], Atan2 of (im, re).  No
+ * warning; the signed zeros and infinities follow C99 atan2.  A block that
+ * holds a zero, an infinity, a NaN or an extreme operand is computed by a
+ * double-double routine, so an element's last bits in the lower tiers may
+ * depend on its neighbours. */
+ORVVM_API OrvStatus orvsAsin_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsin_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsin_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsin_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsin_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsin_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAcos_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAcos_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAcos_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAcos_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAcos_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAcos_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtan_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtan_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtan_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtan_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtan_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtan_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtan2_32f_A11(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtan2_32f_A21(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtan2_32f_A24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtan2_64f_A26(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtan2_64f_A50(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtan2_64f_A53(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsArg_32fc_A11(const Orv32fc* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsArg_32fc_A21(const Orv32fc* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsArg_32fc_A24(const Orv32fc* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsArg_64fc_A26(const Orv64fc* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsArg_64fc_A50(const Orv64fc* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsArg_64fc_A53(const Orv64fc* src, Orv64f* dst, int32_t len);
 
 #ifdef __cplusplus
 }
