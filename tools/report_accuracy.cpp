@@ -112,8 +112,7 @@ std::string oneField(std::string s) {
 // The ranges that are sampled, the ordinary one first.
 std::vector<const Range*> sampledRanges(const AccuracyRecord& r) {
     std::vector<const Range*> out;
-    for (const Range& x : r.ranges)
-        if (!x.excluded()) out.push_back(&x);
+    for (const Range& x : r.ranges) out.push_back(&x);
     return out;
 }
 
@@ -176,7 +175,7 @@ void measureMember(const ExportInfo& e, int perRange, double budget) {
         std::printf("%s\n", oneField(worst).c_str());
         std::fflush(stdout);
     };
-    if (!record) return line("no-record", nullptr, 0, "no ORV_ACCURACY record next to the code");
+    if (!record) return line("no-record", nullptr, 0, "no record next to the code");
     if (!referenceFor(e)) return line("no-reference", nullptr, 0, "no MPFR reference for family " + e.family);
 
     // The accuracy test's samples, fewer of them: the same seeds, and the

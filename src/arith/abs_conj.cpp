@@ -11,9 +11,9 @@
 // no peel; the tail goes through a scratch pad so that it needs no scalar
 // form.  LengthFirstFrame, no guard.
 #include "arith/plain_loops.h"
-#include "frame/accuracy.h"
 #include "frame/frame.h"
 
+#ifndef ORVVM_RECORDS
 namespace orv {
 namespace {
 
@@ -83,7 +83,27 @@ ORV_EXPORT OrvStatus orvsConj_64fc_A53(const Orv64fc* src, Orv64fc* dst, int32_t
     });
 }
 
-ORV_ACCURACY(orvsAbs_32f_A24, 0, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38));
-ORV_ACCURACY(orvsAbs_64f_A53, 0, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308));
-ORV_ACCURACY(orvsConj_32fc_A24, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38));
-ORV_ACCURACY(orvsConj_64fc_A53, 0, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308));
+#else
+#include "frame/record.h"
+
+namespace orv {
+ORV_RECORDS(
+    {.member = "orvsAbs_32f_A24",
+     .maxUlp = 0,
+     .ranges = {kOrdinary, kFinite32},
+     .exact = true},
+    {.member = "orvsAbs_64f_A53",
+     .maxUlp = 0,
+     .ranges = {kOrdinary, kFinite64},
+     .exact = true},
+    {.member = "orvsConj_32fc_A24",
+     .maxUlp = 0,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2)},
+     .exact = true},
+    {.member = "orvsConj_64fc_A53",
+     .maxUlp = 0,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2)},
+     .exact = true}
+)
+}  // namespace orv
+#endif

@@ -6,9 +6,9 @@
 // around it (plain_loops.h).  LengthFirstFrame with no guard: len, then the
 // pointers; the caller's MXCSR governs the arithmetic.
 #include "arith/plain_loops.h"
-#include "frame/accuracy.h"
 #include "frame/frame.h"
 
+#ifndef ORVVM_RECORDS
 namespace orv {
 namespace {
 
@@ -101,19 +101,63 @@ ORV_EXPORT OrvStatus orvsSub_64fc_A53(const Orv64fc* src1, const Orv64fc* src2, 
     return complexBinary<Orv64fc, SubOp>(src1, src2, dst, len);
 }
 
-// Correctly rounded: each result is one IEEE operation, so the error is at
-// most half an ulp and the result equals the correctly rounded value.  The
-// ranges span the whole finite range of each type; a further range brings
-// operands of close magnitude, where sums cancel.
-ORV_ACCURACY(orvsAdd_32f_A24, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(1, 2, -2, -1));
-ORV_ACCURACY(orvsAdd_64f_A53, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(1, 2, -2, -1));
-ORV_ACCURACY(orvsSub_32f_A24, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(1, 2, 1, 2));
-ORV_ACCURACY(orvsSub_64f_A53, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(1, 2, 1, 2));
-ORV_ACCURACY(orvsMul_32f_A24, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38));
-ORV_ACCURACY(orvsMul_64f_A53, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308));
-ORV_ACCURACY(orvsSqr_32f_A24, 0.5, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38));
-ORV_ACCURACY(orvsSqr_64f_A53, 0.5, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308));
-ORV_ACCURACY(orvsAdd_32fc_A24, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38));
-ORV_ACCURACY(orvsAdd_64fc_A53, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308));
-ORV_ACCURACY(orvsSub_32fc_A24, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38, -3.4e38, 3.4e38));
-ORV_ACCURACY(orvsSub_64fc_A53, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3, -1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308, -1.7e308, 1.7e308));
+#else
+#include "frame/record.h"
+
+namespace orv {
+ORV_RECORDS(
+    // Correctly rounded: each result is one IEEE operation, so the error is at
+    // most half an ulp and the result equals the correctly rounded value.  The
+    // ranges span the whole finite range of each type; a further range brings
+    // operands of close magnitude, where sums cancel.
+    {.member = "orvsAdd_32f_A24",
+     .maxUlp = 0.5,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), {Interval{1, 2}, Interval{-2, -1}}},
+     .exact = true},
+    {.member = "orvsAdd_64f_A53",
+     .maxUlp = 0.5,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), {Interval{1, 2}, Interval{-2, -1}}},
+     .exact = true},
+    {.member = "orvsSub_32f_A24",
+     .maxUlp = 0.5,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), {Interval{1, 2}, Interval{1, 2}}},
+     .exact = true},
+    {.member = "orvsSub_64f_A53",
+     .maxUlp = 0.5,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), {Interval{1, 2}, Interval{1, 2}}},
+     .exact = true},
+    {.member = "orvsMul_32f_A24",
+     .maxUlp = 0.5,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2)},
+     .exact = true},
+    {.member = "orvsMul_64f_A53",
+     .maxUlp = 0.5,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2)},
+     .exact = true},
+    {.member = "orvsSqr_32f_A24",
+     .maxUlp = 0.5,
+     .ranges = {kOrdinary, kFinite32},
+     .exact = true},
+    {.member = "orvsSqr_64f_A53",
+     .maxUlp = 0.5,
+     .ranges = {kOrdinary, kFinite64},
+     .exact = true},
+    {.member = "orvsAdd_32fc_A24",
+     .maxUlp = 0.5,
+     .ranges = {repeated(kOrdinary, 4), repeated(kFinite32, 4)},
+     .exact = true},
+    {.member = "orvsAdd_64fc_A53",
+     .maxUlp = 0.5,
+     .ranges = {repeated(kOrdinary, 4), repeated(kFinite64, 4)},
+     .exact = true},
+    {.member = "orvsSub_32fc_A24",
+     .maxUlp = 0.5,
+     .ranges = {repeated(kOrdinary, 4), repeated(kFinite32, 4)},
+     .exact = true},
+    {.member = "orvsSub_64fc_A53",
+     .maxUlp = 0.5,
+     .ranges = {repeated(kOrdinary, 4), repeated(kFinite64, 4)},
+     .exact = true}
+)
+}  // namespace orv
+#endif

@@ -47,10 +47,10 @@
 //                    also raises the divide-by-zero flag by raiseFpFlags64.
 // The results of a zero divisor are those of IEEE division.
 #include "arith/division.h"
-#include "frame/accuracy.h"
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 
+#ifndef ORVVM_RECORDS
 namespace orv {
 namespace {
 
@@ -229,19 +229,52 @@ ORV_EXPORT OrvStatus orvsDiv_64f_A53(const Orv64f* src1, const Orv64f* src2, Orv
     });
 }
 
-// Measured on random pairs: the ordinary range, the whole finite range by
-// value and by bit pattern (huge, tiny and denormal quotients, overflow and
-// underflow), and denormal divisors.  A11 and A21 are the build machine's
-// rcpps; their worst cases were found by running every divisor significand
-// against many numerators.  Their bounds hold except at a divisor of
-// magnitude exactly 2^126 in a passing block, where a processor whose rcpps
-// flushes the tiny reciprocal gives 0 (and NaN for an infinite numerator).
-// A11 records the seed's architectural bound, 1.5 * 2^-12 relative plus the
-// product's rounding (5291 ulp measured here); both leave out the divisors
-// of magnitude 2^126.
-ORV_ACCURACY(orvsDiv_32f_A11, 6145, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(-1e30, 1e30, -1.2e-38, 1.2e-38), ORV_EXCLUDE_MAGNITUDES(0, __builtin_inf(), 0x1p126, 0x1.000002p126));
-ORV_ACCURACY(orvsDiv_32f_A21, 3.96, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(-1e30, 1e30, -1.2e-38, 1.2e-38), ORV_EXCLUDE_MAGNITUDES(0, __builtin_inf(), 0x1p126, 0x1.000002p126));
-ORV_ACCURACY(orvsDiv_32f_A24, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(-1e30, 1e30, -1.2e-38, 1.2e-38));
-ORV_ACCURACY(orvsDiv_64f_A26, 0.502, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(-1.7e308, 1.7e308, -2.2e-308, 2.2e-308));
-ORV_ACCURACY(orvsDiv_64f_A50, 0.502, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(-1.7e308, 1.7e308, -2.2e-308, 2.2e-308));
-ORV_ACCURACY(orvsDiv_64f_A53, 0.5, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(-1.7e308, 1.7e308, -2.2e-308, 2.2e-308));
+#else
+#include "frame/record.h"
+
+namespace orv {
+namespace {
+using namespace records;
+
+// The top of the seed tiers' screen, 2^126, and the float above it.
+constexpr double kSeedLimit = floatFromBits(division::kSeedBias + division::kSeedSpan);
+constexpr double kAboveSeedLimit = floatFromBits(division::kSeedBias + division::kSeedSpan + 1);
+constexpr const char* kSeedFlushes =
+    "2^126 passes the block's screen, and a processor whose rcpps flushes the tiny reciprocal gives 0 there";
+
+}  // namespace
+
+ORV_RECORDS(
+    // Measured on random pairs: the ordinary range, the whole finite range by
+    // value and by bit pattern (huge, tiny and denormal quotients, overflow and
+    // underflow), and denormal divisors.  A11 and A21 are the build machine's
+    // rcpps; their worst cases were found by running every divisor significand
+    // against many numerators.  Their bounds hold except at a divisor of
+    // magnitude exactly 2^126 in a passing block, where a processor whose rcpps
+    // flushes the tiny reciprocal gives 0 (and NaN for an infinite numerator).
+    // A11 records the seed's architectural bound, 1.5 * 2^-12 relative plus the
+    // product's rounding (5291 ulp measured here); both leave out the divisors
+    // of magnitude 2^126.
+    {.member = "orvsDiv_32f_A11",
+     .maxUlp = 6145,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), {Interval{-1e30, 1e30}, kBelowNormal32}},
+     .exclusions = {excludeMagnitudes({kAllMagnitudes, {kSeedLimit, kAboveSeedLimit}}, kSeedFlushes)}},
+    {.member = "orvsDiv_32f_A21",
+     .maxUlp = 3.96,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), {Interval{-1e30, 1e30}, kBelowNormal32}},
+     .exclusions = {excludeMagnitudes({kAllMagnitudes, {kSeedLimit, kAboveSeedLimit}}, kSeedFlushes)}},
+    {.member = "orvsDiv_32f_A24",
+     .maxUlp = 0.5,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), {Interval{-1e30, 1e30}, kBelowNormal32}}},
+    {.member = "orvsDiv_64f_A26",
+     .maxUlp = 0.502,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), {kFinite64, kBelowNormal64}}},
+    {.member = "orvsDiv_64f_A50",
+     .maxUlp = 0.502,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), {kFinite64, kBelowNormal64}}},
+    {.member = "orvsDiv_64f_A53",
+     .maxUlp = 0.5,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), {kFinite64, kBelowNormal64}}}
+)
+}  // namespace orv
+#endif

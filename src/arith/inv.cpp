@@ -46,10 +46,10 @@
 // Singularity (18) for x = +-0 in every member, with the IEEE result
 // +-infinity; the A53 member also raises divide-by-zero by raiseFpFlags64.
 #include "arith/division.h"
-#include "frame/accuracy.h"
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 
+#ifndef ORVVM_RECORDS
 namespace orv {
 namespace {
 
@@ -211,21 +211,57 @@ ORV_EXPORT OrvStatus orvsInv_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len
     });
 }
 
-// 32f: all 2^32 inputs, each in a passing block and in the ElementPath.
-// A11 is the seed itself, whose bits differ between processor makers: its
-// record is the seed's architectural bound, a relative error of 1.5 * 2^-12
-// (6144 ulp just below a power of two; 4763 measured on the AMD machine of
-// our runs).  A21 is that machine's measurement.  Both leave out +-2^126,
-// whose block result is 0 where rcpps flushes the tiny reciprocal (the
-// ElementPath gives the exact 2^-126).  64f: random inputs over the whole
-// range, the screen's range and its ends, and a directed search at the top
-// of the screen, where the A26/A50 maximum lies (see above): A50 leaves out
-// magnitudes from 2^254 to the screen's limit, where a round whose four
-// lane-mates all lie there has a denormal 1/M and reaches 4.85 ulp (the
-// tests pin it); elsewhere A50 stays at 3.09.
-ORV_ACCURACY(orvsInv_32f_A11, 6144, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38), ORV_RANGE(-1.2e-38, 1.2e-38), ORV_EXCLUDE(0x1p126), ORV_EXCLUDE(-0x1p126));
-ORV_ACCURACY(orvsInv_32f_A21, 2.87, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38), ORV_RANGE(-1.2e-38, 1.2e-38), ORV_EXCLUDE(0x1p126), ORV_EXCLUDE(-0x1p126));
-ORV_ACCURACY(orvsInv_32f_A24, 0.5, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38), ORV_RANGE(-1.2e-38, 1.2e-38));
-ORV_ACCURACY(orvsInv_64f_A26, 4.85, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308), ORV_RANGE(-1.15e77, 1.15e77), ORV_RANGE(-2.2e-308, 2.2e-308));
-ORV_ACCURACY(orvsInv_64f_A50, 3.1, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308), ORV_RANGE(-1.15e77, 1.15e77), ORV_RANGE(-2.2e-308, 2.2e-308), ORV_EXCLUDE_MAGNITUDES(0x1p254, 0x1p256));
-ORV_ACCURACY(orvsInv_64f_A53, 0.5, ORV_RANGE(-1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308), ORV_RANGE(-2.2e-308, 2.2e-308));
+#else
+#include "frame/record.h"
+
+namespace orv {
+namespace {
+using namespace records;
+
+// The top of the seed tiers' screen, 2^126, and the float above it.
+constexpr double kSeedLimit = floatFromBits(division::kSeedBias + division::kSeedSpan);
+constexpr double kAboveSeedLimit = floatFromBits(division::kSeedBias + division::kSeedSpan + 1);
+constexpr const char* kSeedFlushes =
+    "2^126 passes the block's screen, and a processor whose rcpps flushes the tiny reciprocal gives 0 there";
+
+}  // namespace
+
+ORV_RECORDS(
+    // 32f: all 2^32 inputs, each in a passing block and in the ElementPath.
+    // A11 is the seed itself, whose bits differ between processor makers: its
+    // record is the seed's architectural bound, a relative error of 1.5 * 2^-12
+    // (6144 ulp just below a power of two; 4763 measured on the AMD machine of
+    // our runs).  A21 is that machine's measurement.  Both leave out +-2^126,
+    // whose block result is 0 where rcpps flushes the tiny reciprocal (the
+    // ElementPath gives the exact 2^-126).  64f: random inputs over the whole
+    // range, the screen's range and its ends, and a directed search at the top
+    // of the screen, where the A26/A50 maximum lies (see above): A50 leaves out
+    // magnitudes from 2^254 to the screen's limit, where a round whose four
+    // lane-mates all lie there has a denormal 1/M and reaches 4.85 ulp (the
+    // tests pin it); elsewhere A50 stays at 3.09.
+    {.member = "orvsInv_32f_A11",
+     .maxUlp = 6144,
+     .ranges = {kOrdinary, kFinite32, kBelowNormal32},
+     .exclusions = {excludeMagnitudes({{kSeedLimit, kAboveSeedLimit}}, kSeedFlushes)}},
+    {.member = "orvsInv_32f_A21",
+     .maxUlp = 2.87,
+     .ranges = {kOrdinary, kFinite32, kBelowNormal32},
+     .exclusions = {excludeMagnitudes({{kSeedLimit, kAboveSeedLimit}}, kSeedFlushes)}},
+    {.member = "orvsInv_32f_A24",
+     .maxUlp = 0.5,
+     .ranges = {kOrdinary, kFinite32, kBelowNormal32}},
+    {.member = "orvsInv_64f_A26",
+     .maxUlp = 4.85,
+     .ranges = {kOrdinary, kFinite64, Interval{-1.15e77, 1.15e77}, kBelowNormal64}},
+    {.member = "orvsInv_64f_A50",
+     .maxUlp = 3.1,
+     .ranges = {kOrdinary, kFinite64, Interval{-1.15e77, 1.15e77}, kBelowNormal64},
+     .exclusions = {excludeMagnitudes({{0x1p254, 0x1p256}},
+                                      "a round whose four lane-mates all lie there has a denormal 1/M and "
+                                      "reaches 4.85 ulp")}},
+    {.member = "orvsInv_64f_A53",
+     .maxUlp = 0.5,
+     .ranges = {kOrdinary, kFinite64, kBelowNormal64}}
+)
+}  // namespace orv
+#endif

@@ -45,7 +45,6 @@
 // the rule 2^(j/128).
 #include <cstddef>
 
-#include "frame/accuracy.h"
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "frame/simd.h"
@@ -129,6 +128,7 @@ constexpr double kG4 = doubleFromBits(0x3F83B2DBBC0F45AE);  // 0.009618488957047
 constexpr double kG5 = doubleFromBits(0x3F55F456A8A729EC);  // 0.0013399931218481776
 constexpr double kG6 = doubleFromBits(0x3F241D33371366F6);  // 0.00015345812020122585
 
+#ifndef ORVVM_RECORDS
 // ---- Screens ------------------------------------------------------------
 
 // A24 tests two elements with one 64-bit subtraction: after masking the
@@ -418,10 +418,42 @@ ORV_EXPORT OrvStatus orvsExp_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len
     });
 }
 
-// Measured maxima over all 2^32 inputs.  A24's comes from the flushed
-// stretch above its zero limit (0.569 elsewhere).  Ranges: the screened
-// ordinary range, the overflow edge, the subnormal results and the zero
-// limits, then the rest of the finite line.
-ORV_ACCURACY(orvsExp_32f_A11, 2160, ORV_RANGE(-87.25, 87.25), ORV_RANGE(87.25, 88.72), ORV_RANGE(-104, -87.25), ORV_RANGE(-3.4e38, 3.4e38));
-ORV_ACCURACY(orvsExp_32f_A21, 1.97, ORV_RANGE(-87.33, 87.33), ORV_RANGE(87.33, 88.72), ORV_RANGE(-104, -87.33), ORV_RANGE(-3.4e38, 3.4e38));
-ORV_ACCURACY(orvsExp_32f_A24, 0.999992, ORV_RANGE(-87.33, 87.33), ORV_RANGE(87.33, 88.72), ORV_RANGE(-104, -87.33), ORV_RANGE(-3.4e38, 3.4e38));
+#else
+}  // namespace
+}  // namespace orv
+
+#include "frame/record.h"
+
+namespace orv {
+namespace {
+using namespace records;
+
+// Every member samples its screened ordinary range, the overflow edge, the
+// subnormal results down past the lower zero limit, and the finite line.
+std::vector<Box> expRanges(uint32_t screen) {
+    const double limit = floatFromBits(screen);
+    const double pastZeroLimits = floatFromBits(kZeroLimit21) - 1;
+    return {symmetric(limit), Interval{limit, floatFromBits(kOverflowLimit)}, Interval{pastZeroLimits, -limit},
+            kFinite32};
+}
+
+}  // namespace
+
+// Measured over all 2^32 inputs.
+ORV_RECORDS(
+    {.member = "orvsExp_32f_A11",
+     .maxUlp = 2160,
+     .worst = {},
+     .ranges = expRanges(kScreen11)},
+    {.member = "orvsExp_32f_A21",
+     .maxUlp = 1.97,
+     .worst = {},
+     .ranges = expRanges(kScreen21)},
+    // The largest error is where A24 flushes to +0 an e^x just below the
+    // smallest subnormal; 0.569 ulp elsewhere.
+    {.member = "orvsExp_32f_A24",
+     .maxUlp = 0.999992,
+     .worst = {floatFromBits(kZeroLimit24)},
+     .ranges = expRanges(kScreen21)})
+}  // namespace orv
+#endif

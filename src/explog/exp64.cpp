@@ -58,7 +58,6 @@
 // Tables: kExp2Fraction64 (A26, A50) and kExp2HeadTail64 (A53) of
 // src/tables/exp2_tables.h, generated with MPFR by gen_exp2_tables.cpp from
 // the rule 2^(j/2^L).
-#include "frame/accuracy.h"
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "frame/simd.h"
@@ -113,6 +112,7 @@ constexpr double kA53C3 = doubleFromBits(0x3FC55555555542A1);  // 0.166666666666
 constexpr double kA53C4 = doubleFromBits(0x3FA555574BC3A1BE);  // 0.041666725157316162
 constexpr double kA53C5 = doubleFromBits(0x3F81111276409C2C);  // 0.0083333437288058629
 
+#ifndef ORVVM_RECORDS
 // ---- Screen -------------------------------------------------------------
 
 // High word of |x| minus the limit for every element, ANDed: the block
@@ -318,10 +318,42 @@ ORV_EXPORT OrvStatus orvsExp_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len
     });
 }
 
-// Measured maxima; A26's leaves out (ORV_EXCLUDE) the one input
-// 0x40862E42FEFA39EF described at the top, which its tests pin.  Ranges:
-// the screened ordinary range, the overflow edge, the subnormal results and
-// the zero limit, then the rest of the finite line.
-ORV_ACCURACY(orvsExp_64f_A26, 2.98e7, ORV_RANGE(-708.39, 708.39), ORV_RANGE(708.39, 709.78), ORV_RANGE(-746, -708.39), ORV_RANGE(-1.7e308, 1.7e308), ORV_EXCLUDE(0x1.62e42fefa39efp+9));
-ORV_ACCURACY(orvsExp_64f_A50, 3.66, ORV_RANGE(-708.39, 708.39), ORV_RANGE(708.39, 709.78), ORV_RANGE(-746, -708.39), ORV_RANGE(-1.7e308, 1.7e308));
-ORV_ACCURACY(orvsExp_64f_A53, 0.76, ORV_RANGE(-708.39, 708.39), ORV_RANGE(708.39, 709.78), ORV_RANGE(-746, -708.39), ORV_RANGE(-1.7e308, 1.7e308));
+#else
+}  // namespace
+}  // namespace orv
+
+#include "frame/record.h"
+
+namespace orv {
+namespace {
+using namespace records;
+
+// Every member samples its screened ordinary range, the overflow edge, the
+// subnormal results down past the zero limit, and the finite line.
+std::vector<Box> expRanges() {
+    const double limit = doubleFromBits(uint64_t(kScreenHigh) << 32);
+    const double pastZeroLimit = doubleFromBits(kZeroLimit) - 1;
+    return {symmetric(limit), Interval{limit, doubleFromBits(kOverflowLimit)}, Interval{pastZeroLimit, -limit},
+            kFinite64};
+}
+
+}  // namespace
+
+ORV_RECORDS(
+    {.member = "orvsExp_64f_A26",
+     .maxUlp = 2.98e7,
+     .worst = {},
+     .ranges = expRanges(),
+     .exclusions = {excludePoint({doubleFromBits(kOverflowLimit - 1)},
+                                 "the last double below the overflow limit is 131072 C itself, so r = 0 and the top "
+                                 "scaling gives +inf with no status")}},
+    {.member = "orvsExp_64f_A50",
+     .maxUlp = 3.66,
+     .worst = {675.79954781112031},
+     .ranges = expRanges()},
+    {.member = "orvsExp_64f_A53",
+     .maxUlp = 0.76,
+     .worst = {-708.45663944213027},
+     .ranges = expRanges()})
+}  // namespace orv
+#endif

@@ -80,12 +80,33 @@ inline constexpr Interval kFinite64{-DBL_MAX, DBL_MAX};
 inline constexpr Interval kPositiveFinite32{0.0, FLT_MAX};
 inline constexpr Interval kPositiveFinite64{0.0, DBL_MAX};
 
+// The ordinary range of the arithmetic members, and the values below the
+// smallest normal (denormals, zeros) of each type, both signs or positive.
+inline constexpr Interval kOrdinary{-1e3, 1e3};
+inline constexpr Interval kBelowNormal32 = symmetric(FLT_MIN);
+inline constexpr Interval kBelowNormal64 = symmetric(DBL_MIN);
+inline constexpr Interval kPositiveNormal32{FLT_MIN, FLT_MAX};
+inline constexpr Interval kPositiveNormal64{DBL_MIN, DBL_MAX};
+inline constexpr Interval kPositiveDenormal32{FLT_TRUE_MIN, FLT_MIN};
+inline constexpr Interval kPositiveDenormal64{DBL_TRUE_MIN, DBL_MIN};
+// Every magnitude, infinity included: for a component an exclusion does
+// not restrict.
+inline constexpr Interval kAllMagnitudes{0.0, __builtin_inf()};
+
 // One interval per real input component.
 struct Box {
     std::vector<Interval> components;
     Box(Interval unary) : components{unary} {}
     Box(std::initializer_list<Interval> all) : components(all) {}
 };
+
+// The same interval in each of n components: both operands of a binary
+// member, or both parts of a complex argument.
+inline Box repeated(Interval each, int n) {
+    Box box(each);
+    box.components.assign(n, each);
+    return box;
+}
 
 // An input left out of the measurement: one point (a value per component),
 // or a box of magnitudes (|x| in [lo, hi) per component).

@@ -54,7 +54,6 @@
 //             to the subnormal grid, up to 0.99999998 ulp.
 // No warnings: every completed call returns orvStatusOk.  PointersFirstFrame,
 // guard nearest.
-#include "frame/accuracy.h"
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "roots/rsqrt_seed.h"
@@ -72,6 +71,7 @@ constexpr uint32_t kExponent32 = 0x7F800000;
 constexpr uint32_t kKernelLow32 = 0x20800000;       // 2^-62
 constexpr uint32_t kKernelHigh32 = 0x5F000000;      // 2^63
 
+#ifndef ORVVM_RECORDS
 // The exact squares' pair of a and b, four lanes.
 struct SquareSum32 {
     F32x4 hi, lo, s;
@@ -393,19 +393,67 @@ ORV_EXPORT OrvStatus orvsAbs_64fc_A50(const Orv64fc* src, Orv64f* dst, int32_t l
 ORV_EXPORT OrvStatus orvsAbs_64fc_A26(const Orv64fc* src, Orv64f* dst, int32_t len)
     __attribute__((alias("orvsAbs_64fc_A53")));
 
-// One computation per type, so one set of ranges; the maxima differ by
-// name only because the top tiers leave out the low band described at the
-// top ([2^-64, 2^-62) and [2^-512, 2^-510) for the larger magnitude), where
-// the kernel reaches 1.34 and 1.15 ulp and the tests pin that instead.
-ORV_ACCURACY(orvsHypot_32f_A11, 1.34, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(-2.2e-19, 2.2e-19, -2.2e-19, 2.2e-19), ORV_RANGE(-1.2e-38, 1.2e-38, -1.2e-38, 1.2e-38));
-ORV_ACCURACY(orvsHypot_32f_A21, 1.34, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(-2.2e-19, 2.2e-19, -2.2e-19, 2.2e-19), ORV_RANGE(-1.2e-38, 1.2e-38, -1.2e-38, 1.2e-38));
-ORV_ACCURACY(orvsHypot_32f_A24, 0.60, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(-2.2e-19, 2.2e-19, -2.2e-19, 2.2e-19), ORV_RANGE(-1.2e-38, 1.2e-38, -1.2e-38, 1.2e-38), ORV_EXCLUDE_MAGNITUDES(0x1p-64, 0x1p-62, 0, 0x1p-62), ORV_EXCLUDE_MAGNITUDES(0, 0x1p-62, 0x1p-64, 0x1p-62));
-ORV_ACCURACY(orvsAbs_32fc_A11, 1.34, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(-2.2e-19, 2.2e-19, -2.2e-19, 2.2e-19), ORV_RANGE(-1.2e-38, 1.2e-38, -1.2e-38, 1.2e-38));
-ORV_ACCURACY(orvsAbs_32fc_A21, 1.34, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(-2.2e-19, 2.2e-19, -2.2e-19, 2.2e-19), ORV_RANGE(-1.2e-38, 1.2e-38, -1.2e-38, 1.2e-38));
-ORV_ACCURACY(orvsAbs_32fc_A24, 0.60, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-3.4e38, 3.4e38, -3.4e38, 3.4e38), ORV_RANGE(-2.2e-19, 2.2e-19, -2.2e-19, 2.2e-19), ORV_RANGE(-1.2e-38, 1.2e-38, -1.2e-38, 1.2e-38), ORV_EXCLUDE_MAGNITUDES(0x1p-64, 0x1p-62, 0, 0x1p-62), ORV_EXCLUDE_MAGNITUDES(0, 0x1p-62, 0x1p-64, 0x1p-62));
-ORV_ACCURACY(orvsHypot_64f_A26, 1.15, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(-1.2e-153, 1.2e-153, -1.2e-153, 1.2e-153), ORV_RANGE(-2.3e-308, 2.3e-308, -2.3e-308, 2.3e-308));
-ORV_ACCURACY(orvsHypot_64f_A50, 1.15, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(-1.2e-153, 1.2e-153, -1.2e-153, 1.2e-153), ORV_RANGE(-2.3e-308, 2.3e-308, -2.3e-308, 2.3e-308));
-ORV_ACCURACY(orvsHypot_64f_A53, 0.99999999, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(-1.2e-153, 1.2e-153, -1.2e-153, 1.2e-153), ORV_RANGE(-2.3e-308, 2.3e-308, -2.3e-308, 2.3e-308), ORV_EXCLUDE_MAGNITUDES(0x1p-512, 0x1p-510, 0, 0x1p-510), ORV_EXCLUDE_MAGNITUDES(0, 0x1p-510, 0x1p-512, 0x1p-510));
-ORV_ACCURACY(orvsAbs_64fc_A26, 1.15, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(-1.2e-153, 1.2e-153, -1.2e-153, 1.2e-153), ORV_RANGE(-2.3e-308, 2.3e-308, -2.3e-308, 2.3e-308));
-ORV_ACCURACY(orvsAbs_64fc_A50, 1.15, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(-1.2e-153, 1.2e-153, -1.2e-153, 1.2e-153), ORV_RANGE(-2.3e-308, 2.3e-308, -2.3e-308, 2.3e-308));
-ORV_ACCURACY(orvsAbs_64fc_A53, 0.99999999, ORV_RANGE(-1e3, 1e3, -1e3, 1e3), ORV_RANGE(-1.7e308, 1.7e308, -1.7e308, 1.7e308), ORV_RANGE(-1.2e-153, 1.2e-153, -1.2e-153, 1.2e-153), ORV_RANGE(-2.3e-308, 2.3e-308, -2.3e-308, 2.3e-308), ORV_EXCLUDE_MAGNITUDES(0x1p-512, 0x1p-510, 0, 0x1p-510), ORV_EXCLUDE_MAGNITUDES(0, 0x1p-510, 0x1p-512, 0x1p-510));
+#else
+}  // namespace
+}  // namespace orv
+
+#include "frame/record.h"
+
+namespace orv {
+namespace {
+using namespace records;
+
+constexpr const char* kLowBand =
+    "where the larger magnitude lies in the two binades below the kernel's low limit, the kernel reaches its top "
+    "tier's bound; the tests pin it";
+
+}  // namespace
+
+ORV_RECORDS(
+    // One computation per type, so one set of ranges; the maxima differ by
+    // name only because the top tiers leave out the low band described at the
+    // top ([2^-64, 2^-62) and [2^-512, 2^-510) for the larger magnitude), where
+    // the kernel reaches 1.34 and 1.15 ulp and the tests pin that instead.
+    {.member = "orvsHypot_32f_A11",
+     .maxUlp = 1.34,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)}},
+    {.member = "orvsHypot_32f_A21",
+     .maxUlp = 1.34,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)}},
+    {.member = "orvsHypot_32f_A24",
+     .maxUlp = 0.60,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)},
+     .exclusions = {excludeMagnitudes({{0x1p-64, 0x1p-62}, {0.0, 0x1p-62}}, kLowBand), excludeMagnitudes({{0.0, 0x1p-62}, {0x1p-64, 0x1p-62}}, kLowBand)}},
+    {.member = "orvsAbs_32fc_A11",
+     .maxUlp = 1.34,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)}},
+    {.member = "orvsAbs_32fc_A21",
+     .maxUlp = 1.34,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)}},
+    {.member = "orvsAbs_32fc_A24",
+     .maxUlp = 0.60,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)},
+     .exclusions = {excludeMagnitudes({{0x1p-64, 0x1p-62}, {0.0, 0x1p-62}}, kLowBand), excludeMagnitudes({{0.0, 0x1p-62}, {0x1p-64, 0x1p-62}}, kLowBand)}},
+    {.member = "orvsHypot_64f_A26",
+     .maxUlp = 1.15,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)}},
+    {.member = "orvsHypot_64f_A50",
+     .maxUlp = 1.15,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)}},
+    {.member = "orvsHypot_64f_A53",
+     .maxUlp = 0.99999999,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)},
+     .exclusions = {excludeMagnitudes({{0x1p-512, 0x1p-510}, {0.0, 0x1p-510}}, kLowBand), excludeMagnitudes({{0.0, 0x1p-510}, {0x1p-512, 0x1p-510}}, kLowBand)}},
+    {.member = "orvsAbs_64fc_A26",
+     .maxUlp = 1.15,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)}},
+    {.member = "orvsAbs_64fc_A50",
+     .maxUlp = 1.15,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)}},
+    {.member = "orvsAbs_64fc_A53",
+     .maxUlp = 0.99999999,
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)},
+     .exclusions = {excludeMagnitudes({{0x1p-512, 0x1p-510}, {0.0, 0x1p-510}}, kLowBand), excludeMagnitudes({{0.0, 0x1p-510}, {0x1p-512, 0x1p-510}}, kLowBand)}}
+)
+}  // namespace orv
+#endif

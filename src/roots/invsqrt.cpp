@@ -45,7 +45,6 @@
 // PointersFirstFrame, guard nearest.
 #include <cstring>
 
-#include "frame/accuracy.h"
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "roots/rsqrt_seed.h"
@@ -66,6 +65,7 @@ constexpr float kGroupScale = floatFromBits(0x7E800000);       // 2^126
 constexpr float kGroupUnscale = floatFromBits(0x5F000000);     // 2^63
 constexpr uint32_t kInfinity32 = 0x7F800000;
 
+#ifndef ORVVM_RECORDS
 F32x4 invSqrtA11(F32x4 x) { return rsqrt(x); }
 
 // Newton's step for 1/sqrt: y0 * (3 - x*y0^2) / 2.
@@ -301,13 +301,36 @@ ORV_EXPORT OrvStatus orvsInvSqrt_64f_A53(const Orv64f* src, Orv64f* dst, int32_t
     return invSqrt64<invSqrtA53>(src, dst, len);
 }
 
-// A11 stops at the seed, whose bits differ between processor makers: its
-// record is the seed's architectural bound, a relative error of 1.5 * 2^-12,
-// which is 6144 ulp just below a power of two (2941 measured over all 2^32
-// inputs on the AMD machine of our runs).
-ORV_ACCURACY(orvsInvSqrt_32f_A11, 6145, ORV_RANGE(1e-4, 1e4), ORV_RANGE(1.2e-38, 1e-4), ORV_RANGE(1e4, 3.4e38), ORV_RANGE(1.4e-45, 1.2e-38));
-ORV_ACCURACY(orvsInvSqrt_32f_A21, 2.63, ORV_RANGE(1e-4, 1e4), ORV_RANGE(1.2e-38, 1e-4), ORV_RANGE(1e4, 3.4e38), ORV_RANGE(1.4e-45, 1.2e-38));
-ORV_ACCURACY(orvsInvSqrt_32f_A24, 0.979, ORV_RANGE(1e-4, 1e4), ORV_RANGE(1.2e-38, 1e-4), ORV_RANGE(1e4, 3.4e38), ORV_RANGE(1.4e-45, 1.2e-38));
-ORV_ACCURACY(orvsInvSqrt_64f_A26, 0.999, ORV_RANGE(1e-4, 1e4), ORV_RANGE(2.3e-308, 1e-4), ORV_RANGE(1e4, 1.7e308), ORV_RANGE(4.9e-324, 2.3e-308));
-ORV_ACCURACY(orvsInvSqrt_64f_A50, 0.999, ORV_RANGE(1e-4, 1e4), ORV_RANGE(2.3e-308, 1e-4), ORV_RANGE(1e4, 1.7e308), ORV_RANGE(4.9e-324, 2.3e-308));
-ORV_ACCURACY(orvsInvSqrt_64f_A53, 0.501, ORV_RANGE(1e-4, 1e4), ORV_RANGE(2.3e-308, 1e-4), ORV_RANGE(1e4, 1.7e308), ORV_RANGE(4.9e-324, 2.3e-308));
+#else
+}  // namespace
+}  // namespace orv
+
+#include "frame/record.h"
+
+namespace orv {
+ORV_RECORDS(
+    // A11 stops at the seed, whose bits differ between processor makers: its
+    // record is the seed's architectural bound, a relative error of 1.5 * 2^-12,
+    // which is 6144 ulp just below a power of two (2941 measured over all 2^32
+    // inputs on the AMD machine of our runs).
+    {.member = "orvsInvSqrt_32f_A11",
+     .maxUlp = 6145,
+     .ranges = {Interval{1e-4, 1e4}, Interval{FLT_MIN, 1e-4}, Interval{1e4, FLT_MAX}, kPositiveDenormal32}},
+    {.member = "orvsInvSqrt_32f_A21",
+     .maxUlp = 2.63,
+     .ranges = {Interval{1e-4, 1e4}, Interval{FLT_MIN, 1e-4}, Interval{1e4, FLT_MAX}, kPositiveDenormal32}},
+    {.member = "orvsInvSqrt_32f_A24",
+     .maxUlp = 0.979,
+     .ranges = {Interval{1e-4, 1e4}, Interval{FLT_MIN, 1e-4}, Interval{1e4, FLT_MAX}, kPositiveDenormal32}},
+    {.member = "orvsInvSqrt_64f_A26",
+     .maxUlp = 0.999,
+     .ranges = {Interval{1e-4, 1e4}, Interval{DBL_MIN, 1e-4}, Interval{1e4, DBL_MAX}, kPositiveDenormal64}},
+    {.member = "orvsInvSqrt_64f_A50",
+     .maxUlp = 0.999,
+     .ranges = {Interval{1e-4, 1e4}, Interval{DBL_MIN, 1e-4}, Interval{1e4, DBL_MAX}, kPositiveDenormal64}},
+    {.member = "orvsInvSqrt_64f_A53",
+     .maxUlp = 0.501,
+     .ranges = {Interval{1e-4, 1e4}, Interval{DBL_MIN, 1e-4}, Interval{1e4, DBL_MAX}, kPositiveDenormal64}}
+)
+}  // namespace orv
+#endif

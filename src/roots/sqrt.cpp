@@ -39,7 +39,6 @@
 // and e from x * 2^54, the final products with x itself, result * 2^27).
 // Rounds that fail the screen go whole to the ElementPath; so does the
 // tail.  PointersFirstFrame, guard nearest.
-#include "frame/accuracy.h"
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "roots/rsqrt_seed.h"
@@ -58,6 +57,7 @@ constexpr float kDenormalScale32 = floatFromBits(0x4C800000);   // 2^26
 constexpr float kDenormalUnscale32 = floatFromBits(0x39000000); // 2^-13
 constexpr uint32_t kDefaultNaN32 = 0xFFC00000;
 
+#ifndef ORVVM_RECORDS
 // A block result and the value t that its screen tests.
 struct Root32 {
     F32x4 result;
@@ -244,13 +244,36 @@ ORV_EXPORT OrvStatus orvsSqrt_64f_A53(const Orv64f* src, Orv64f* dst, int32_t le
     return sqrt64<4, sqrtA53>(src, dst, len);
 }
 
-// A11 stops at the seed, whose bits differ between processor makers: its
-// record is the seed's architectural bound, a relative error of 1.5 * 2^-12,
-// which is 6144 ulp just below a power of two (4156 measured over all 2^32
-// inputs on the AMD machine of our runs).
-ORV_ACCURACY(orvsSqrt_32f_A11, 6145, ORV_RANGE(0, 1e4), ORV_RANGE(1e4, 3.4e38), ORV_RANGE(0, 1.2e-38));
-ORV_ACCURACY(orvsSqrt_32f_A21, 3.27, ORV_RANGE(0, 1e4), ORV_RANGE(1e4, 3.4e38), ORV_RANGE(0, 1.2e-38));
-ORV_ACCURACY(orvsSqrt_32f_A24, 0.889, ORV_RANGE(0, 1e4), ORV_RANGE(1e4, 3.4e38), ORV_RANGE(0, 1.2e-38));
-ORV_ACCURACY(orvsSqrt_64f_A26, 367000, ORV_RANGE(0, 1e4), ORV_RANGE(1e4, 1.7e308), ORV_RANGE(0, 2.3e-308));
-ORV_ACCURACY(orvsSqrt_64f_A50, 1.97, ORV_RANGE(0, 1e4), ORV_RANGE(1e4, 1.7e308), ORV_RANGE(0, 2.3e-308));
-ORV_ACCURACY(orvsSqrt_64f_A53, 0.604, ORV_RANGE(0, 1e4), ORV_RANGE(1e4, 1.7e308), ORV_RANGE(0, 2.3e-308));
+#else
+}  // namespace
+}  // namespace orv
+
+#include "frame/record.h"
+
+namespace orv {
+ORV_RECORDS(
+    // A11 stops at the seed, whose bits differ between processor makers: its
+    // record is the seed's architectural bound, a relative error of 1.5 * 2^-12,
+    // which is 6144 ulp just below a power of two (4156 measured over all 2^32
+    // inputs on the AMD machine of our runs).
+    {.member = "orvsSqrt_32f_A11",
+     .maxUlp = 6145,
+     .ranges = {Interval{0.0, 1e4}, Interval{1e4, FLT_MAX}, Interval{0.0, FLT_MIN}}},
+    {.member = "orvsSqrt_32f_A21",
+     .maxUlp = 3.27,
+     .ranges = {Interval{0.0, 1e4}, Interval{1e4, FLT_MAX}, Interval{0.0, FLT_MIN}}},
+    {.member = "orvsSqrt_32f_A24",
+     .maxUlp = 0.889,
+     .ranges = {Interval{0.0, 1e4}, Interval{1e4, FLT_MAX}, Interval{0.0, FLT_MIN}}},
+    {.member = "orvsSqrt_64f_A26",
+     .maxUlp = 367000,
+     .ranges = {Interval{0.0, 1e4}, Interval{1e4, DBL_MAX}, Interval{0.0, DBL_MIN}}},
+    {.member = "orvsSqrt_64f_A50",
+     .maxUlp = 1.97,
+     .ranges = {Interval{0.0, 1e4}, Interval{1e4, DBL_MAX}, Interval{0.0, DBL_MIN}}},
+    {.member = "orvsSqrt_64f_A53",
+     .maxUlp = 0.604,
+     .ranges = {Interval{0.0, 1e4}, Interval{1e4, DBL_MAX}, Interval{0.0, DBL_MIN}}}
+)
+}  // namespace orv
+#endif

@@ -402,8 +402,7 @@ PeerVectors peerVectors(const ExportInfo& e) {
 std::vector<std::vector<Sample>> accuracySamples(const ExportInfo& e, const AccuracyRecord& r, int perRange) {
     std::vector<std::vector<Sample>> groups = {specialSamples(e)};
     uint64_t seed = std::hash<std::string>{}(e.name);
-    for (const Range& range : r.ranges)
-        if (!range.excluded()) groups.push_back(sampleRange(e, range, perRange, seed++));
+    for (const Range& range : r.ranges) groups.push_back(sampleRange(e, range, perRange, seed++));
     groups.emplace_back();
     for (const PeerCase& c : peerVectors(e).cases) groups.back().push_back(c.sample);
     for (auto& g : groups) std::erase_if(g, [&](const Sample& s) { return r.excludes(s.in); });

@@ -1,45 +1,105 @@
 #include "records.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <stdexcept>
+#include <utility>
+
+#define ORVVM_RECORDS
+#include "frame/record.h"
+
+namespace orv::records {
+namespace {
+
+// The records as the family sources hand them over, with their file.  A
+// function's static, since the registrations run while the program starts.
+std::vector<std::pair<std::string, Member>>& registered() {
+    static std::vector<std::pair<std::string, Member>> all;
+    return all;
+}
+
+}  // namespace
+
+Registration::Registration(const char* file, std::initializer_list<Member> members) {
+    for (const Member& m : members) registered().emplace_back(file, m);
+}
+
+}  // namespace orv::records
 
 namespace orvtest {
 namespace {
 
-std::vector<AccuracyRecord> load() {
-#define ORV_RANGE(...) Range{{__VA_ARGS__}, Range::Sampled}
-#define ORV_EXCLUDE(...) Range{{__VA_ARGS__}, Range::ExcludedPoint}
-#define ORV_EXCLUDE_MAGNITUDES(...) Range{{__VA_ARGS__}, Range::ExcludedMagnitudes}
-#define ORV_ACCURACY(member, maxUlp, ...) AccuracyRecord{#member, double(maxUlp), {__VA_ARGS__}},
-    std::vector<AccuracyRecord> records = {
-#include "accuracy_records.inc"
-    };
-#undef ORV_ACCURACY
-#undef ORV_RANGE
-#undef ORV_EXCLUDE
-#undef ORV_EXCLUDE_MAGNITUDES
-    for (const AccuracyRecord& r : records) {
-        const ExportInfo* e = findExport(r.member);
-        if (!e) throw std::runtime_error("accuracy record of an unknown export " + r.member);
-        for (const Range& range : r.ranges)
-            if (range.components() != e->inputComponents() || (range.kind != Range::ExcludedPoint && range.bounds.size() % 2))
-                throw std::runtime_error("range of " + r.member + " has the wrong number of bounds");
-        if (r.ranges.empty() || r.ranges[0].excluded())
-            throw std::runtime_error("the first range of " + r.member + " must be its ordinary range");
-    }
-    return records;
+std::string underSrc(const std::string& path) {
+    const size_t at = path.rfind("/src/");
+    return at == std::string::npos ? path : path.substr(at + 5);
 }
 
-// Families whose every member computes one IEEE operation or an exact
-// operation: they must be exact.
-bool isExactFamily(const ExportInfo& e) {
-    static const char* const kExact[] = {"Add", "Sub", "Sqr", "Conj", "Ceil", "Floor", "Round",
-                                         "Trunc", "Rint", "NearbyInt", "Modf"};
-    for (const char* f : kExact)
-        if (e.family == f) return true;
-    // Real products and real absolute values are exact; complex ones are not.
-    return (e.family == "Mul" || e.family == "Abs") && !e.isComplex();
+Range boxRange(const orv::records::Box& box) {
+    Range r;
+    for (const orv::records::Interval& i : box.components) {
+        r.bounds.push_back(i.lo);
+        r.bounds.push_back(i.hi);
+    }
+    return r;
+}
+
+Exclusion exclusionRange(const orv::records::Exclusion& x) {
+    Exclusion r;
+    r.reason = x.reason ? x.reason : "";
+    if (x.kind == orv::records::Exclusion::Point) {
+        r.kind = Range::ExcludedPoint;
+        r.bounds = x.point;
+    } else {
+        r.kind = Range::ExcludedMagnitudes;
+        for (const orv::records::Interval& i : x.magnitudes) {
+            r.bounds.push_back(i.lo);
+            r.bounds.push_back(i.hi);
+        }
+    }
+    return r;
+}
+
+// What a record must hold to be read at all; whether it is right is the
+// business of the tests.
+void check(const AccuracyRecord& r) {
+    const ExportInfo* e = findExport(r.member);
+    if (!e) throw std::runtime_error(r.file + ": record of an unknown export " + r.member);
+    const int nc = e->inputComponents();
+    if (r.ranges.empty()) throw std::runtime_error(r.member + " has no ordinary range");
+    for (const Range& range : r.ranges)
+        if (range.components() != nc) throw std::runtime_error("a range of " + r.member + " has the wrong number of components");
+    for (const Exclusion& x : r.exclusions) {
+        if (x.components() != nc) throw std::runtime_error("an exclusion of " + r.member + " has the wrong number of components");
+        if (x.reason.empty()) throw std::runtime_error("an exclusion of " + r.member + " gives no reason");
+    }
+    if (!r.worst.empty() && int(r.worst.size()) != nc)
+        throw std::runtime_error("the worst input of " + r.member + " has the wrong number of components");
+}
+
+std::vector<AccuracyRecord> load() {
+    std::vector<AccuracyRecord> records;
+    for (const auto& [file, m] : orv::records::registered()) {
+        AccuracyRecord r;
+        r.member = m.member ? m.member : "";
+        r.file = underSrc(file);
+        r.maxUlp = m.maxUlp;
+        r.worst = m.worst;
+        for (const orv::records::Box& b : m.ranges) r.ranges.push_back(boxRange(b));
+        for (const orv::records::Exclusion& x : m.exclusions) r.exclusions.push_back(exclusionRange(x));
+        r.exact = m.exact;
+        if (m.position.why) r.positionWhy = m.position.why;
+        r.positionMaxUlp = m.position.maxUlp;
+        r.warningsByKind = m.warningsByKind;
+        if (m.sameAs) r.sameAs = m.sameAs;
+        check(r);
+        records.push_back(std::move(r));
+    }
+    // In the order of the export table, whatever the order of linking.
+    auto index = [](const AccuracyRecord& r) { return findExport(r.member) - allExports().data(); };
+    std::stable_sort(records.begin(), records.end(),
+                     [&](const AccuracyRecord& a, const AccuracyRecord& b) { return index(a) < index(b); });
+    return records;
 }
 
 }  // namespace
@@ -55,8 +115,8 @@ bool Range::contains(const double* x) const {
 }
 
 bool AccuracyRecord::excludes(const double* in) const {
-    for (const Range& r : ranges)
-        if (r.excluded() && r.contains(in)) return true;
+    for (const Exclusion& x : exclusions)
+        if (x.contains(in)) return true;
     return false;
 }
 
@@ -71,8 +131,17 @@ const AccuracyRecord* findRecord(std::string_view member) {
     return nullptr;
 }
 
+const AccuracyRecord& recordOf(const ExportInfo& e) {
+    const AccuracyRecord* r = findRecord(e.name);
+    if (!r) throw std::runtime_error(e.name + " has no record next to its code");
+    return *r;
+}
+
 TierBound tierBound(const ExportInfo& e) {
-    if (isExactFamily(e)) return {TierBound::Exact, 0};
+    // Exact: what the record says, and the untiered members (integer
+    // rounding), which have no other bound to meet.
+    if (const AccuracyRecord* r = findRecord(e.name); r && r->exact) return {TierBound::Exact, 0};
+    if (e.tier == "-") return {TierBound::Exact, 0};
     if (e.tier == "A24" || e.tier == "A53") return {TierBound::UlpBelow, 1.0};
     if (e.tier == "A21" || e.tier == "A50") return {TierBound::UlpBelow, 4.0};
     if (e.tier == "A11") return {TierBound::BitsAtLeast, 11};

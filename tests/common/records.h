@@ -1,5 +1,6 @@
-// The accuracy records of the members (ORV_ACCURACY lines next to their
-// code) and the bound of each accuracy tier.
+// The member records (ORV_RECORDS next to each member's code, see
+// src/frame/record.h) as the tests, the benchmarks and the report read
+// them, and the bound of each accuracy tier.
 #pragma once
 
 #include <string>
@@ -13,8 +14,9 @@ namespace orvtest {
 // A box of inputs: a low and a high bound for each real input component.
 // An exclusion names inputs that the member's arithmetic, as designed,
 // takes outside its tier: one input (a value per component), or a box of
-// magnitudes (|x| in [lo, hi) for each component).  The measurement leaves
-// them out, and the family's own tests pin what the member does there.
+// magnitudes (|x| in [lo, hi) for each component), with the reason.  The
+// measurement leaves them out, and the family's own tests pin what the
+// member does there.
 struct Range {
     enum Kind { Sampled, ExcludedPoint, ExcludedMagnitudes };
     std::vector<double> bounds;
@@ -26,16 +28,35 @@ struct Range {
     double hi(int c) const { return bounds[2 * c + 1]; }
 };
 
+struct Exclusion : Range {
+    std::string reason;
+};
+
 struct AccuracyRecord {
     std::string member;
-    double maxUlp;  // the largest error measured, in ulps, as recorded
-    std::vector<Range> ranges;  // the first is the ordinary range
+    std::string file;           // the family source that holds it, under src/
+    double maxUlp = 0;          // the largest error measured, in ulps
+    std::vector<double> worst;  // the input where it was measured
+    std::vector<Range> ranges;  // sampled boxes; the first is the ordinary range
+    std::vector<Exclusion> exclusions;
+    bool exact = false;
+    // Why, and by how much at most, a result may depend on its neighbours;
+    // empty for the members whose result depends on the element alone.
+    std::string positionWhy;
+    double positionMaxUlp = 0;
+    bool warningsByKind = false;  // group passes write a rejected block's warnings by kind
+    std::string sameAs;           // a member that is one computation with this one
+
+    bool positionDependent() const { return !positionWhy.empty(); }
     // Whether an input (its real components) lies in one of the exclusions.
     bool excludes(const double* in) const;
 };
 
+// Every record, in the order of the export table.
 const std::vector<AccuracyRecord>& accuracyRecords();
 const AccuracyRecord* findRecord(std::string_view member);
+// The record of an implemented member; fails loudly when it has none.
+const AccuracyRecord& recordOf(const ExportInfo& e);
 
 // What a tier promises.
 struct TierBound {
