@@ -23,6 +23,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <random>
 #include <vector>
 
 #include "exports.h"
@@ -89,41 +90,59 @@ constexpr CallerState kStates[] = {
     {kMxcsrDefault | kMxcsrFtz, kX87Single},
 };
 
-// The state a guarded member must not see: the caller's, with the registers
-// the guard does not cover at their defaults (the plain members follow the
-// caller there, by design), and denormals-are-zero kept by the guards that
-// keep it.
+// The part of the caller's state that a guarded member must ignore: the
+// whole x87 word, and MXCSR where the guard covers it (but for
+// denormals-are-zero in the guards that keep it).  Members without a guard
+// follow the caller, as plain arithmetic does.
 CallerState guardedView(const ExportInfo& e, CallerState s) {
     if (e.mxcsrGuard == MxcsrGuard::None) s.mxcsr = kMxcsrDefault;
     if (e.mxcsrGuard == MxcsrGuard::NearestKeepDaz) s.mxcsr &= ~kMxcsrDaz;
-    if (e.x87Guard == X87Guard::None) s.x87 = kX87Default;
     return s;
 }
 
+// The draws of one input: from the fuzzer's bytes while they last, then
+// from a generator seeded by them, so that even a short input fills a long
+// array with a rich mix.
+class Draws {
+public:
+    explicit Draws(FuzzedDataProvider& in) : in_(in), rng_(in.ConsumeIntegral<uint64_t>()) {}
+    template <class T>
+    T integral(T lo, T hi) {
+        if (in_.remaining_bytes() > 0) return in_.ConsumeIntegralInRange<T>(lo, hi);
+        return T(lo + T(rng_() % (uint64_t(hi - lo) + 1)));
+    }
+    uint64_t bits() { return in_.remaining_bytes() > 0 ? in_.ConsumeIntegral<uint64_t>() : rng_(); }
+    bool flip() { return integral(0, 1) == 1; }
+
+private:
+    FuzzedDataProvider& in_;
+    std::mt19937_64 rng_;
+};
+
 // One real component: a raw bit pattern, a special value with a random
 // payload or sign, or an ordinary value of the member.
-double component(FuzzedDataProvider& in, const ExportInfo& e, double ordinary) {
+double component(Draws& d, const ExportInfo& e, double ordinary) {
     const bool is64 = e.is64();
-    switch (in.ConsumeIntegralInRange(0, 5)) {
+    switch (d.integral(0, 5)) {
         case 0: {
-            uint64_t b = in.ConsumeIntegral<uint64_t>();
+            uint64_t b = d.bits();
             return is64 ? f64(b) : double(f32(uint32_t(b)));
         }
         case 1: {  // NaN, quiet or signalling, any payload and sign
-            uint64_t payload = in.ConsumeIntegral<uint64_t>();
+            uint64_t payload = d.bits();
             if (is64) return f64(0x7FF0000000000000u | (payload & 0x800FFFFFFFFFFFFFu) | 1);
             return double(f32(0x7F800000u | (uint32_t(payload) & 0x807FFFFFu) | 1));
         }
         case 2: {  // subnormal or zero
-            uint64_t frac = in.ConsumeIntegral<uint64_t>();
+            uint64_t frac = d.bits();
             if (is64) return f64(frac & 0x800FFFFFFFFFFFFFu);
             return double(f32(uint32_t(frac) & 0x807FFFFFu));
         }
-        case 3: {  // an extreme: infinities, the largest finite, the smallest normal
+        case 3: {  // an extreme: infinities, the largest finite, the smallest normal, one
             const double v[] = {INFINITY, is64 ? 0x1.fffffffffffffp+1023 : double(0x1.fffffep+127f),
                                 is64 ? 0x1p-1022 : 0x1p-126, 1.0};
-            double x = v[in.ConsumeIntegralInRange(0, 3)];
-            return in.ConsumeBool() ? -x : x;
+            double x = v[d.integral(0, 3)];
+            return d.flip() ? -x : x;
         }
         default:
             return ordinary;
@@ -132,6 +151,7 @@ double component(FuzzedDataProvider& in, const ExportInfo& e, double ordinary) {
 
 void fuzzOne(FuzzedDataProvider& in) {
     static const std::vector<const ExportInfo*> members = implementedExports();
+    Draws d(in);
     const ExportInfo& e = *members[in.ConsumeIntegralInRange<size_t>(0, members.size() - 1)];
     const AccuracyRecord* record = findRecord(e.name);
     const int len = in.ConsumeIntegralInRange(1, kMaxLen);
@@ -140,21 +160,21 @@ void fuzzOne(FuzzedDataProvider& in) {
     const int inPlace = sameSize ? in.ConsumeIntegralInRange(0, e.destinationCount()) : 0;  // dst k-1 = src
 
     // The samples; the K shape's constant is one for the call.
-    std::vector<Sample> s = record ? sampleRange(e, record->ranges[0], len, in.ConsumeIntegral<uint32_t>())
+    std::vector<Sample> s = record ? sampleRange(e, record->ranges[0], len, d.bits())
                                    : std::vector<Sample>(len, Sample{{1.5, 0.75, 1.25, -0.5}});
     const int nc = e.inputComponents();
     const int varying = e.shape == Shape::K ? nc / 2 : nc;
     for (Sample& x : s)
-        for (int c = 0; c < varying; ++c) x.in[c] = component(in, e, x.in[c]);
+        for (int c = 0; c < varying; ++c) x.in[c] = component(d, e, x.in[c]);
     for (int c = varying; c < nc; ++c) {
-        const double k = component(in, e, s[0].in[c]);
+        const double k = component(d, e, s[0].in[c]);
         for (Sample& x : s) x.in[c] = k;
     }
 
     // The arrays, each against a guard page on the side the input picks.
     const size_t sbytes = size_t(len) * e.srcElemSize(), dbytes = size_t(len) * e.dstElemSize();
-    GuardedArray src1(sbytes, in.ConsumeBool()), src2(sbytes, in.ConsumeBool());
-    GuardedArray dst1(dbytes, in.ConsumeBool()), dst2(dbytes, in.ConsumeBool());
+    GuardedArray src1(sbytes, d.flip()), src2(sbytes, d.flip());
+    GuardedArray dst1(dbytes, d.flip()), dst2(dbytes, d.flip());
     const std::vector<unsigned char> bytes1 = sourceBytes(e, s, 0), bytes2 = sourceBytes(e, s, 1);
     std::memcpy(src1.data(), bytes1.data(), bytes1.size());
     if (!bytes2.empty()) std::memcpy(src2.data(), bytes2.data(), bytes2.size());
@@ -223,7 +243,7 @@ void fuzzOne(FuzzedDataProvider& in) {
                 fail(e, "guarded result depends on the caller's state", len, i);
         }
     }
-    if (record && record->warningsByKind()) {
+    if (record && record->warningsByKind) {
         if (status != orvStatusOk && lastWarning == orvStatusOk) fail(e, "a warning no element gives alone", len);
     } else if (!positionDependent && status != lastWarning) {
         fail(e, "status is not the last warning of the elements", len);
