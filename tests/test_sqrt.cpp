@@ -1,12 +1,11 @@
 // Sqrt and InvSqrt: results that follow rsqrtps are checked against the
 // same instruction; the rest against the exact root.  Special values in a
-// block and in the tail, the order of warnings, the group form and padded
-// tail of the low InvSqrt tiers, and the rejected-block route of the top
-// binary32 InvSqrt tier.
+// block and in the tail, the scaling of denormals, the group form of the
+// low InvSqrt tiers and the order of their warnings, and the rejected-block
+// route of the top binary32 InvSqrt tier.
 #include <xmmintrin.h>
 
 #include <cmath>
-#include <cstring>
 #include <vector>
 
 #include "testing.h"
@@ -25,7 +24,6 @@ constexpr Fn64 kSqrt64[] = {orvsSqrt_64f_A26, orvsSqrt_64f_A50, orvsSqrt_64f_A53
 constexpr Fn32 kInvSqrt32[] = {orvsInvSqrt_32f_A11, orvsInvSqrt_32f_A21, orvsInvSqrt_32f_A24};
 constexpr Fn64 kInvSqrt64[] = {orvsInvSqrt_64f_A26, orvsInvSqrt_64f_A50, orvsInvSqrt_64f_A53};
 // Relative accuracy each tier must reach on ordinary arguments.
-constexpr double kRel32[] = {0x1p-11, 0x1p-21, 0x1p-23};
 constexpr double kRel64[] = {0x1p-26, 0x1p-50, 0x1p-52};
 
 constexpr double kInf = HUGE_VAL;
@@ -45,13 +43,15 @@ double relError(double got, double want) { return std::fabs(got - want) / std::f
 
 // ---- Sqrt ---------------------------------------------------------------------
 
-TEST(Sqrt32, LowTiersFollowRsqrtps) {
-    for (float x : {1.0f, 2.0f, 0.3f, 1e-30f, 7.5e30f, 3.3e38f}) {
-        float y0 = rsqrtps(x);
-        float t = x * y0;
+// The low tiers stop at the seed or one Newton step on it, in blocks.
+TEST(Roots32, LowTiersFollowRsqrtps) {
+    for (float x : {1.0f, 2.0f, 0.3f, 1e-30f, 7.5e30f, f32(0x7F7FF001)}) {
+        float y0 = rsqrtps(x), t = x * y0;
         std::vector<float> v(16, x);
         EXPECT_SAME_BITS(run(orvsSqrt_32f_A11, v)[3], t) << x;
         EXPECT_SAME_BITS(run(orvsSqrt_32f_A21, v)[3], (y0 * t - 3.0f) * (t * -0.5f)) << x;
+        EXPECT_SAME_BITS(run(orvsInvSqrt_32f_A11, v)[5], y0) << x;
+        EXPECT_SAME_BITS(run(orvsInvSqrt_32f_A21, v)[5], (-0.5f * y0) * (x * y0 * y0 - 3.0f)) << x;
     }
 }
 
@@ -76,7 +76,6 @@ TEST(Sqrt32, SpecialValuesInBlockAndTail) {
         EXPECT_SAME_BITS(out[20], INFINITY);
         EXPECT_SAME_BITS(out[33], -0.0f);
         EXPECT_EQ(bits(out[35]), 0x7FE00001u);
-        EXPECT_SAME_BITS(out[0], out[36]);  // a block result equals a tail result
     }
 }
 
@@ -85,22 +84,17 @@ TEST(Sqrt32, NegativeZeroInPassingBlockWarnsOfNothing) {
     v[1] = -0.0f;
     for (Fn32 fn : kSqrt32) {
         OrvStatus status;
-        std::vector<float> out = run(fn, v, &status);
+        EXPECT_SAME_BITS(run(fn, v, &status)[1], -0.0f);
         EXPECT_EQ(status, orvStatusOk);
-        EXPECT_SAME_BITS(out[1], -0.0f);
     }
 }
 
-TEST(Sqrt32, DenormalsScaleIntoRange) {
+// A denormal is scaled by 2^26 and the result by 2^-13 (A11 stops at the
+// seed of the scaled argument); a negative one is a domain error.
+TEST(Sqrt32, Denormals) {
     for (uint32_t b : {0x00000001u, 0x00000400u, 0x004D8558u, 0x007FFFFFu}) {
-        std::vector<float> v(8, f32(b));
-        for (int t = 0; t < 3; ++t) {
-            float got = run(kSqrt32[t], v)[7];
-            EXPECT_LE(relError(got, std::sqrt(double(f32(b)))), kRel32[t]) << t << " " << b;
-        }
-        // A11 stops at the seed of the scaled argument.
         float scaled = f32(b) * 0x1p26f;
-        EXPECT_SAME_BITS(run(orvsSqrt_32f_A11, v)[0], scaled * rsqrtps(scaled) * 0x1p-13f);
+        EXPECT_SAME_BITS(run(orvsSqrt_32f_A11, std::vector<float>(8, f32(b)))[0], scaled * rsqrtps(scaled) * 0x1p-13f);
         for (Fn32 fn : kSqrt32) {
             OrvStatus status;
             EXPECT_EQ(bits(run(fn, std::vector<float>{-f32(b)}, &status)[0]), 0xFFC00000u);
@@ -109,37 +103,23 @@ TEST(Sqrt32, DenormalsScaleIntoRange) {
     }
 }
 
-TEST(Sqrt32, ElementPathMatchesBlockWhenLenIsBelowTheBlock) {
-    // 15 elements are all tail for A21 (rounds of 16).
-    std::vector<float> v;
-    for (int i = 0; i < 15; ++i) v.push_back(0.37f + 1.7f * i);
-    std::vector<float> v16 = v;
-    v16.push_back(2.0f);
-    for (Fn32 fn : kSqrt32) {
-        std::vector<float> tail = run(fn, v), block = run(fn, v16);
-        for (int i = 0; i < 15; ++i) EXPECT_SAME_BITS(tail[i], block[i]);
-    }
-}
-
+// The largest double goes through the block, the smallest denormal through
+// the ElementPath's scaling; neither warns.
 TEST(Sqrt64, ExtremesAndDenormals) {
-    // The largest double through the block (rounds of 4), the smallest
-    // denormal through the ElementPath; neither warns.
     std::vector<double> v(4, f64(0x7FEFFFFFFFFFFFFF));
     v.push_back(f64(1));
-    v.push_back(f64(0x000FFFFFFFFFFFFF));
-    v.push_back(f64(0x0000000123456789));
     for (int t = 0; t < 3; ++t) {
         OrvStatus status;
         std::vector<double> out = run(kSqrt64[t], v, &status);
         EXPECT_EQ(status, orvStatusOk);
-        for (size_t i = 0; i < v.size(); ++i)
-            EXPECT_LE(relError(out[i], std::sqrt(v[i])), kRel64[t]) << t << " " << i;
+        EXPECT_LE(relError(out[0], std::sqrt(v[0])), kRel64[t]) << t;
+        EXPECT_LE(relError(out[4], 0x1p-537), kRel64[t]) << t;
     }
     EXPECT_EQ(run(orvsSqrt_64f_A53, v)[4], 0x1p-537);
 }
 
 TEST(Sqrt64, SpecialValues) {
-    std::vector<double> v = {4.0, -0.0, 0.0, -1.0, kInf, -kInf, f64(0x7FF0000000000001), -f64(1), 4.0};
+    std::vector<double> v = {4.0, -0.0, 0.0, -1.0, kInf, -kInf, f64(0x7FF0000000000001), -f64(1)};
     for (Fn64 fn : kSqrt64) {
         OrvStatus status;
         std::vector<double> out = run(fn, v, &status);
@@ -151,26 +131,15 @@ TEST(Sqrt64, SpecialValues) {
         EXPECT_EQ(bits(out[5]), 0xFFF8000000000000u);
         EXPECT_EQ(bits(out[6]), 0x7FF8000000000001u);
         EXPECT_EQ(bits(out[7]), 0xFFF8000000000000u);
-        EXPECT_SAME_BITS(out[0], out[8]);
-        EXPECT_LE(relError(out[0], 2.0), 0x1p-26);
     }
 }
 
 // ---- InvSqrt ------------------------------------------------------------------
 
-TEST(InvSqrt32, LowTiersFollowRsqrtps) {
-    for (float x : {1.0f, 2.0f, 0.3f, 1e-30f, 7.5e30f, f32(0x7F7FF001)}) {
-        float y0 = rsqrtps(x);
-        std::vector<float> v(8, x);
-        EXPECT_SAME_BITS(run(orvsInvSqrt_32f_A11, v)[5], y0) << x;
-        EXPECT_SAME_BITS(run(orvsInvSqrt_32f_A21, v)[5], (-0.5f * y0) * (x * y0 * y0 - 3.0f)) << x;
-    }
-}
-
 TEST(InvSqrt32, GroupFormKeepsTheResultClass) {
     // Above 0x7F7FF001 the screen rejects the group; the group form runs
     // the same formula unscaled.  Denormals run on x * 2^126 and come back
-    // times 2^63.
+    // times 2^63 (the harness measures the higher tiers on them).
     for (uint32_t b : {0x7F7FF002u, 0x7F7FFFFFu}) {
         std::vector<float> v(4, f32(b));
         EXPECT_SAME_BITS(run(orvsInvSqrt_32f_A11, v)[0], rsqrtps(f32(b)));
@@ -180,13 +149,11 @@ TEST(InvSqrt32, GroupFormKeepsTheResultClass) {
         v[6] = f32(b);
         float scaled = f32(b) * 0x1p126f;
         EXPECT_SAME_BITS(run(orvsInvSqrt_32f_A11, v)[6], rsqrtps(scaled) * 0x1p63f);
-        EXPECT_LE(relError(run(orvsInvSqrt_32f_A21, v)[6], 1.0 / std::sqrt(double(f32(b)))), 0x1p-21);
-        EXPECT_LE(relError(run(orvsInvSqrt_32f_A24, v)[6], 1.0 / std::sqrt(double(f32(b)))), 0x1p-23);
     }
 }
 
 TEST(InvSqrt32, SpecialValues) {
-    std::vector<float> v = {4.0f, 0.0f, -0.0f, INFINITY, -1.0f, -INFINITY, f32(0x7FA00001), 4.0f, -f32(5), 4.0f};
+    std::vector<float> v = {4.0f, 0.0f, -0.0f, INFINITY, -1.0f, -INFINITY, f32(0x7FA00001), 4.0f, -f32(5)};
     for (Fn32 fn : kInvSqrt32) {
         std::vector<float> out = run(fn, v);
         EXPECT_SAME_BITS(out[1], INFINITY);
@@ -194,7 +161,6 @@ TEST(InvSqrt32, SpecialValues) {
         EXPECT_SAME_BITS(out[3], 0.0f);
         EXPECT_TRUE(std::isnan(out[4]) && std::isnan(out[5]) && std::isnan(out[8]));
         EXPECT_EQ(bits(out[6]), 0x7FE00001u);
-        EXPECT_LE(relError(out[9], 0.5), 0x1p-11);
     }
 }
 
@@ -245,56 +211,17 @@ TEST(InvSqrt32, TopTierRejectedBlockTakesTheSlowRoute) {
     }
 }
 
-TEST(InvSqrt32, PaddedTailWritesOnlyItsElements) {
-    for (int len = 1; len <= 3; ++len) {
-        std::vector<float> src = {0.25f, -0.0f, 16.0f};
-        std::vector<float> dst(4, 42.0f);
-        OrvStatus status = orvsInvSqrt_32f_A21(src.data(), dst.data(), len);
-        EXPECT_EQ(status, len >= 2 ? orvStatusSingularity : orvStatusOk);
-        EXPECT_LE(relError(dst[0], 2.0), 0x1p-21);
-        if (len >= 2) {
-            EXPECT_SAME_BITS(dst[1], -INFINITY);
-        }
-        if (len >= 3) {
-            EXPECT_LE(relError(dst[2], 0.25), 0x1p-21);
-        }
-        for (int i = len; i < 4; ++i) EXPECT_EQ(dst[i], 42.0f) << len;
-    }
-}
-
-TEST(InvSqrt32, InPlaceWithRejectedFirstGroup) {
-    // The first group's results are stored before the verdict; in place,
-    // they overwrite its inputs, which the rejected group must still see.
-    std::vector<float> v = {4.0f, 0.0f, 16.0f, -2.0f, 64.0f, 0.25f, 1.0f, 9.0f, 0.0f, 4.0f, 1e-40f, 4.0f, 2.0f};
-    for (Fn32 fn : {orvsInvSqrt_32f_A11, orvsInvSqrt_32f_A21, orvsInvSqrt_32f_A24}) {
-        OrvStatus outOfPlace, inPlace;
-        std::vector<float> expected = run(fn, v, &outOfPlace);
-        std::vector<float> w = v;
-        inPlace = fn(w.data(), w.data(), int32_t(w.size()));
-        EXPECT_EQ(inPlace, outOfPlace);
-        for (size_t i = 0; i < v.size(); ++i) EXPECT_EQ(bits(w[i]), bits(expected[i])) << i;
-    }
-}
-
-TEST(InvSqrt64, LowTiersShareOneComputation) {
-    std::vector<double> v;
-    for (int i = 0; i < 4096; ++i) v.push_back(std::ldexp(1.0 + i / 4096.0, (i * 37) % 2100 - 1074));
-    std::vector<double> a26 = run(orvsInvSqrt_64f_A26, v), a50 = run(orvsInvSqrt_64f_A50, v);
-    EXPECT_EQ(std::memcmp(a26.data(), a50.data(), a26.size() * sizeof(double)), 0);
-}
 TEST(InvSqrt64, SpecialValuesAndWarnings) {
     std::vector<double> v = {0.25, -0.0, kInf, f64(0x7FF0000000000001), 0.25, -3.0, 0.0, 0.25};
     for (Fn64 fn : kInvSqrt64) {
         OrvStatus status;
         std::vector<double> out = run(fn, v, &status);
         EXPECT_EQ(status, orvStatusSingularity);  // the zero at 6 comes after the -3 at 5
-        EXPECT_LE(relError(out[0], 2.0), 0x1p-26);
         EXPECT_SAME_BITS(out[1], -kInf);
         EXPECT_SAME_BITS(out[2], 0.0);
         EXPECT_EQ(bits(out[3]), 0x7FF8000000000001u);
         EXPECT_EQ(bits(out[5]), 0xFFF8000000000000u);
         EXPECT_SAME_BITS(out[6], kInf);
-        EXPECT_SAME_BITS(out[7], out[0]);
     }
 }
 

@@ -30,6 +30,10 @@
 // giving each range's bounds.
 //
 // --build-info: the compiler and flags of this build, for the report.
+//
+// --records: the member records as Markdown tables (the figures of
+// docs/accuracy.md): each member's recorded maximum and worst input, its
+// exclusions with their reasons, and its traits.
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -60,13 +64,15 @@ struct Options {
     double budget = 1.5;
     int skip = 0;
     bool buildInfo = false;
+    bool records = false;
 };
 
 void usage() {
     std::fprintf(stderr,
                  "usage: orvvm_accuracy [--samples N] [--budget SECONDS] [--shard I/K] [--skip N] [--members REGEX]\n"
                  "       orvvm_accuracy --errors MEMBER [--points N] [--budget SECONDS]\n"
-                 "       orvvm_accuracy --build-info\n");
+                 "       orvvm_accuracy --build-info\n"
+                 "       orvvm_accuracy --records\n");
     std::exit(2);
 }
 
@@ -96,6 +102,8 @@ Options parse(int argc, char** argv) {
             o.skip = std::max(0, std::atoi(value().c_str()));
         else if (a == "--build-info")
             o.buildInfo = true;
+        else if (a == "--records")
+            o.records = true;
         else
             usage();
     }
@@ -229,6 +237,53 @@ int errorsAcrossDomain(const Options& o) {
     return 0;
 }
 
+std::string input(const std::vector<double>& values, bool is64) {
+    std::string out;
+    for (double v : values) out += (out.empty() ? "" : ", ") + formatValue(v, is64).substr(0, formatValue(v, is64).find(' '));
+    return out;
+}
+
+std::string box(const Range& r) {
+    std::string out;
+    char buf[80];
+    for (int c = 0; c < r.components(); ++c) {
+        std::snprintf(buf, sizeof buf, "%s[%.4g, %.4g]", c ? " × " : "", r.lo(c), r.hi(c));
+        out += buf;
+    }
+    return out;
+}
+
+int printRecords() {
+    std::printf("| Member | Tier bound | Recorded maximum (ulp) | Worst input | Ordinary range | Traits | File |\n"
+                "|---|---|---|---|---|---|---|\n");
+    for (const AccuracyRecord& r : accuracyRecords()) {
+        const ExportInfo& e = *findExport(r.member);
+        std::string traits;
+        auto add = [&](const std::string& t) { traits += (traits.empty() ? "" : "; ") + t; };
+        if (r.exact) add("exact");
+        if (!r.sameAs.empty()) add("one computation with `" + r.sameAs + "`");
+        if (r.positionDependent()) add("position-dependent");
+        if (r.warningsByKind) add("warnings by kind");
+        std::printf("| `%s` | %s | %.7g | %s | %s | %s | `src/%s` |\n", r.member.c_str(), tierBound(e).describe().c_str(),
+                    r.maxUlp, input(r.worst, e.is64()).c_str(), box(r.ranges[0]).c_str(), traits.c_str(), r.file.c_str());
+    }
+    std::printf("\n| Member | Left out of the measurement | Why |\n|---|---|---|\n");
+    for (const AccuracyRecord& r : accuracyRecords())
+        for (const Exclusion& x : r.exclusions) {
+            std::string where;
+            if (x.kind == Range::ExcludedPoint)
+                where = "the input " + input(x.bounds, findExport(r.member)->is64());
+            else
+                where = "magnitudes " + box(x);
+            std::printf("| `%s` | %s | %s |\n", r.member.c_str(), where.c_str(), x.reason.c_str());
+        }
+    std::printf("\n| Member | Why its result depends on its neighbours | Largest difference (ulp) |\n|---|---|---|\n");
+    for (const AccuracyRecord& r : accuracyRecords())
+        if (r.positionDependent())
+            std::printf("| `%s` | %s | %g |\n", r.member.c_str(), r.positionWhy.c_str(), r.positionMaxUlp);
+    return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -240,6 +295,7 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (!o.errorsOf.empty()) return errorsAcrossDomain(o);
+    if (o.records) return printRecords();
 
     std::optional<std::regex> only;
     if (!o.members.empty()) only.emplace(o.members);

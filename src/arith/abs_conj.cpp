@@ -90,18 +90,22 @@ namespace orv {
 ORV_RECORDS(
     {.member = "orvsAbs_32f_A24",
      .maxUlp = 0,
+     .worst = {0x0p+0},
      .ranges = {kOrdinary, kFinite32},
      .exact = true},
     {.member = "orvsAbs_64f_A53",
      .maxUlp = 0,
+     .worst = {0x0p+0},
      .ranges = {kOrdinary, kFinite64},
      .exact = true},
     {.member = "orvsConj_32fc_A24",
      .maxUlp = 0,
+     .worst = {0x0p+0, 0x0p+0},
      .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2)},
      .exact = true},
     {.member = "orvsConj_64fc_A53",
      .maxUlp = 0,
+     .worst = {0x0p+0, 0x0p+0},
      .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2)},
      .exact = true}
 )

@@ -13,10 +13,9 @@
 //        final quotient is rounded to binary64.
 //   A53  the vector hardware division a/b, two at a time.
 //
-// Measured accuracy, in ulps of the correctly rounded quotient (random
-// pairs over the whole binary32 or binary64 range, with normal, huge, tiny
-// and denormal quotients): A11 5291, A21 3.96, A24 0.5, A26/A50 0.502,
-// A53 0.5.  A11 and A21 depend on the processor's rcpps; on the build
+// Accuracy, measured on random pairs over the whole binary32 or binary64
+// range, with normal, huge, tiny and denormal quotients (the maxima are in
+// the records).  A11 and A21 depend on the processor's rcpps; on the build
 // machine its relative error is at most 3.15e-4 (2^-11.63), so A11 keeps
 // 11.6 bits, and the Newton step's at most 2.06e-7, which A21 turns into
 // at most 2.06e-7 * 2^24 + 0.5 = 3.96 ulp once the product with a is
@@ -241,6 +240,10 @@ constexpr double kSeedLimit = floatFromBits(division::kSeedBias + division::kSee
 constexpr double kAboveSeedLimit = floatFromBits(division::kSeedBias + division::kSeedSpan + 1);
 constexpr const char* kSeedFlushes =
     "2^126 passes the block's screen, and a processor whose rcpps flushes the tiny reciprocal gives 0 there";
+// By design of A26 and A50, a quotient depends on its neighbours.
+constexpr const char* kSharedDivision =
+    "one x87 division serves four quotients: in a block a quotient comes through the product of the four "
+    "divisors, alone through its own divisor's fourth power";
 
 }  // namespace
 
@@ -253,27 +256,36 @@ ORV_RECORDS(
     // magnitude exactly 2^126 in a passing block, where a processor whose rcpps
     // flushes the tiny reciprocal gives 0 (and NaN for an infinite numerator).
     // A11 records the seed's architectural bound, 1.5 * 2^-12 relative plus the
-    // product's rounding (5291 ulp measured here); both leave out the divisors
-    // of magnitude 2^126.
+    // product's rounding, and the worst input of the build machine; both leave
+    // out the divisors of magnitude 2^126.
     {.member = "orvsDiv_32f_A11",
      .maxUlp = 6145,
+     .worst = {0x1.ed85e4p-91, -0x1.f95e7ep-107},
      .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), {Interval{-1e30, 1e30}, kBelowNormal32}},
      .exclusions = {excludeMagnitudes({kAllMagnitudes, {kSeedLimit, kAboveSeedLimit}}, kSeedFlushes)}},
     {.member = "orvsDiv_32f_A21",
      .maxUlp = 3.96,
+     .worst = {-0x1.eb176ap-73, 0x1.eb7afcp-51},
      .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), {Interval{-1e30, 1e30}, kBelowNormal32}},
      .exclusions = {excludeMagnitudes({kAllMagnitudes, {kSeedLimit, kAboveSeedLimit}}, kSeedFlushes)}},
     {.member = "orvsDiv_32f_A24",
      .maxUlp = 0.5,
+     .worst = {0x1p-149, 0x1p+1},
      .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), {Interval{-1e30, 1e30}, kBelowNormal32}}},
     {.member = "orvsDiv_64f_A26",
      .maxUlp = 0.502,
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), {kFinite64, kBelowNormal64}}},
+     .worst = {0x1.78db8b637fbc2p-92, -0x0.4c2b3d26fb689p-1022},
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), {kFinite64, kBelowNormal64}},
+     .position = {kSharedDivision, 1}},
     {.member = "orvsDiv_64f_A50",
      .maxUlp = 0.502,
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), {kFinite64, kBelowNormal64}}},
+     .worst = {-0x1.a03c87052a03p+5, -0x1.b8f2eb3c1e7cep+9},
+     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), {kFinite64, kBelowNormal64}},
+     .position = {kSharedDivision, 1},
+     .sameAs = "orvsDiv_64f_A26"},
     {.member = "orvsDiv_64f_A53",
      .maxUlp = 0.5,
+     .worst = {0x0.0000000000001p-1022, 0x1p+1},
      .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), {kFinite64, kBelowNormal64}}}
 )
 }  // namespace orv

@@ -11,11 +11,9 @@
 //        multiplications and one division where a plain form pays eight.
 //   A53  the vector hardware division 1/x, two at a time.
 //
-// Measured accuracy, in ulps of the correctly rounded reciprocal: A11
-// 4763 (relative 2^-11.63) and A21 2.87 over all 2^32 inputs (both depend
-// on the processor's rcpps; these are the build machine's figures), A24
-// and A53 0.5, A26/A50 3.09 in general and 4.85 at the top of the screen
-// (random and directed inputs over the whole binary64 range).
+// Accuracy: measured over all 2^32 inputs for binary32 (A11 and A21 depend
+// on the processor's rcpps) and on random and directed inputs over the
+// whole binary64 range; each member's maximum is in its record.
 //
 // Error of the shared division.  In B*(Q*R) the rounding of Q cancels;
 // those of P, P*Q, R, Q*R and the final product remain.  P and Q*R (about
@@ -25,8 +23,8 @@
 // holds while R is normal.  When the four elements of one lane group (i,
 // i+2, i+4, i+6, or i+1, i+3, ...) are all above about 2^254 in magnitude,
 // P*Q reaches 2^1022 and R = 1/(P*Q) is a denormal of as few as 50 bits:
-// the error grows to about 5 ulp, 4.85 measured for one element just above
-// 2^255 and three just below 2^256.  That corner is the one place where
+// the error grows to about 5 ulp, for one element just above 2^255 and
+// three just below 2^256.  That corner is the one place where
 // the A50 member exceeds 4 ulp.  The ElementPath's route through x^4 stays
 // below 3.3 ulp.
 //
@@ -221,46 +219,57 @@ using namespace records;
 // The top of the seed tiers' screen, 2^126, and the float above it.
 constexpr double kSeedLimit = floatFromBits(division::kSeedBias + division::kSeedSpan);
 constexpr double kAboveSeedLimit = floatFromBits(division::kSeedBias + division::kSeedSpan + 1);
+// The limit of the shared division's screen, 2^256.
+constexpr double kSharedLimit = 0x1p256;
 constexpr const char* kSeedFlushes =
     "2^126 passes the block's screen, and a processor whose rcpps flushes the tiny reciprocal gives 0 there";
+// By design of A26 and A50, a reciprocal depends on its neighbours.
+constexpr const char* kSharedDivision =
+    "one vector division serves eight reciprocals: in a block a reciprocal comes through the product of its "
+    "lane-mates, alone through its own fourth power";
 
 }  // namespace
 
 ORV_RECORDS(
     // 32f: all 2^32 inputs, each in a passing block and in the ElementPath.
     // A11 is the seed itself, whose bits differ between processor makers: its
-    // record is the seed's architectural bound, a relative error of 1.5 * 2^-12
-    // (6144 ulp just below a power of two; 4763 measured on the AMD machine of
-    // our runs).  A21 is that machine's measurement.  Both leave out +-2^126,
-    // whose block result is 0 where rcpps flushes the tiny reciprocal (the
-    // ElementPath gives the exact 2^-126).  64f: random inputs over the whole
+    // maximum is the seed's architectural bound, a relative error of
+    // 1.5 * 2^-12, and its worst input the one of the AMD machine of our runs.
+    // A21 is that machine's measurement.  64f: random inputs over the whole
     // range, the screen's range and its ends, and a directed search at the top
-    // of the screen, where the A26/A50 maximum lies (see above): A50 leaves out
-    // magnitudes from 2^254 to the screen's limit, where a round whose four
-    // lane-mates all lie there has a denormal 1/M and reaches 4.85 ulp (the
-    // tests pin it); elsewhere A50 stays at 3.09.
+    // of the screen, where the A26/A50 maximum lies (see above), in a block
+    // whose lane-mates are not copies of the worst input.
     {.member = "orvsInv_32f_A11",
      .maxUlp = 6144,
+     .worst = {-0x1.04affep-36},
      .ranges = {kOrdinary, kFinite32, kBelowNormal32},
      .exclusions = {excludeMagnitudes({{kSeedLimit, kAboveSeedLimit}}, kSeedFlushes)}},
     {.member = "orvsInv_32f_A21",
      .maxUlp = 2.87,
+     .worst = {0x1.03006cp+9},
      .ranges = {kOrdinary, kFinite32, kBelowNormal32},
      .exclusions = {excludeMagnitudes({{kSeedLimit, kAboveSeedLimit}}, kSeedFlushes)}},
     {.member = "orvsInv_32f_A24",
      .maxUlp = 0.5,
+     .worst = {0x1.213212p-86},
      .ranges = {kOrdinary, kFinite32, kBelowNormal32}},
     {.member = "orvsInv_64f_A26",
      .maxUlp = 4.85,
-     .ranges = {kOrdinary, kFinite64, Interval{-1.15e77, 1.15e77}, kBelowNormal64}},
+     .worst = {0x1.faad014dda79cp+255},
+     .ranges = {kOrdinary, kFinite64, symmetric(kSharedLimit), kBelowNormal64},
+     .position = {kSharedDivision, 5}},
     {.member = "orvsInv_64f_A50",
      .maxUlp = 3.1,
-     .ranges = {kOrdinary, kFinite64, Interval{-1.15e77, 1.15e77}, kBelowNormal64},
-     .exclusions = {excludeMagnitudes({{0x1p254, 0x1p256}},
+     .worst = {0x1.04dd285f265fp+7},
+     .ranges = {kOrdinary, kFinite64, symmetric(kSharedLimit), kBelowNormal64},
+     .exclusions = {excludeMagnitudes({{0x1p254, kSharedLimit}},
                                       "a round whose four lane-mates all lie there has a denormal 1/M and "
-                                      "reaches 4.85 ulp")}},
+                                      "reaches 4.85 ulp")},
+     .position = {kSharedDivision, 5},
+     .sameAs = "orvsInv_64f_A26"},
     {.member = "orvsInv_64f_A53",
      .maxUlp = 0.5,
+     .worst = {0x1.af9699548000dp-816},
      .ranges = {kOrdinary, kFinite64, kBelowNormal64}}
 )
 }  // namespace orv

@@ -50,6 +50,8 @@
 //               by kind rather than by element.
 //   sameAs      another member that is one computation with this one: the
 //               suites hold the two to equal bits.
+//   peerVectors the C function whose correctly rounded test vectors (glibc's
+//               file of that name) check the member's reference, if any.
 #pragma once
 
 #ifndef ORVVM_RECORDS
@@ -142,6 +144,7 @@ struct Member {
     PositionDependence position;
     bool warningsByKind = false;
     const char* sameAs = nullptr;
+    const char* peerVectors = nullptr;
 };
 
 // Hands a file's records to the test support (defined there).

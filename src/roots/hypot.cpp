@@ -42,16 +42,17 @@
 //
 // Accuracy, measured against a binary64 (binary32 kernel) or MPFR (binary64
 // kernel) reference on random pairs over the whole exponent range, with
-// close and distant magnitudes, denormal pairs and overflowing results:
-//   binary32  0.60 ulp, but 1.34 ulp in the block when the larger magnitude
+// close and distant magnitudes, denormal pairs and overflowing results;
+// the maxima are in the records.
+//   binary32  the block leaves its top tier when the larger magnitude
 //             lies in [2^-64, 2^-62): s is normal and passes the screen
 //             while lo and the residual terms are subnormal and lose bits
 //             to gradual underflow.  The ElementPath keeps the kernel above
-//             2^-62 and stays below 0.6 ulp.
-//   binary64  0.76 ulp, but 1.15 ulp in the block when the larger magnitude
-//             lies in [2^-512, 2^-510), for the same reason; and a result
-//             in the subnormal range is the sum of two terms each rounded
-//             to the subnormal grid, up to 0.99999998 ulp.
+//             2^-62.
+//   binary64  likewise when the larger magnitude lies in [2^-512,
+//             2^-510); and a result in the subnormal range is the sum of
+//             two terms each rounded to the subnormal grid, which comes
+//             close to one ulp.
 // No warnings: every completed call returns orvStatusOk.  PointersFirstFrame,
 // guard nearest.
 #include "frame/blockpath.h"
@@ -403,57 +404,99 @@ namespace orv {
 namespace {
 using namespace records;
 
-constexpr const char* kLowBand =
-    "where the larger magnitude lies in the two binades below the kernel's low limit, the kernel reaches its top "
-    "tier's bound; the tests pin it";
+// Both components ordinary, finite, below the low limit of the kernel (in
+// binary64 the two binades of the low band and two more), and below the
+// smallest normal.
+std::vector<Box> ranges32() {
+    return {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2),
+            repeated(kBelowNormal32, 2)};
+}
+std::vector<Box> ranges64() {
+    return {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(symmetric(0x1p-508), 2),
+            repeated(kBelowNormal64, 2)};
+}
+
+// The low band: the larger magnitude in [lo, hi), the two binades below
+// the binary32 kernel's low limit, or [2^-512, 2^-510) in binary64.
+std::vector<Exclusion> lowBand(double lo, double hi) {
+    const char* why =
+        "the block's sum passes its screen while its low part and the residual terms are subnormal and lose bits";
+    return {excludeMagnitudes({{lo, hi}, {0.0, hi}}, why), excludeMagnitudes({{0.0, hi}, {lo, hi}}, why)};
+}
+constexpr double kLowLimit32 = floatFromBits(kKernelLow32);
 
 }  // namespace
 
 ORV_RECORDS(
     // One computation per type, so one set of ranges; the maxima differ by
     // name only because the top tiers leave out the low band described at the
-    // top ([2^-64, 2^-62) and [2^-512, 2^-510) for the larger magnitude), where
-    // the kernel reaches 1.34 and 1.15 ulp and the tests pin that instead.
+    // top, where the tests pin the kernel instead.
     {.member = "orvsHypot_32f_A11",
      .maxUlp = 1.34,
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)}},
+     .worst = {0x1.05f1d6p-63, 0x1.23518cp-67},
+     .ranges = ranges32(),
+     .sameAs = "orvsHypot_32f_A24",
+     .peerVectors = "hypot"},
     {.member = "orvsHypot_32f_A21",
      .maxUlp = 1.34,
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)}},
+     .worst = {0x1.05f1d6p-63, 0x1.23518cp-67},
+     .ranges = ranges32(),
+     .sameAs = "orvsHypot_32f_A24",
+     .peerVectors = "hypot"},
     {.member = "orvsHypot_32f_A24",
      .maxUlp = 0.60,
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)},
-     .exclusions = {excludeMagnitudes({{0x1p-64, 0x1p-62}, {0.0, 0x1p-62}}, kLowBand), excludeMagnitudes({{0.0, 0x1p-62}, {0x1p-64, 0x1p-62}}, kLowBand)}},
+     .worst = {-0x1.9dd8f8p+9, 0x1.2ae8f2p+9},
+     .ranges = ranges32(),
+     .exclusions = lowBand(kLowLimit32 / 4, kLowLimit32),
+     .peerVectors = "hypot"},
     {.member = "orvsAbs_32fc_A11",
      .maxUlp = 1.34,
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)}},
+     .worst = {0x1.05f1d6p-63, 0x1.23518cp-67},
+     .ranges = ranges32(),
+     .sameAs = "orvsAbs_32fc_A24"},
     {.member = "orvsAbs_32fc_A21",
      .maxUlp = 1.34,
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)}},
+     .worst = {0x1.05f1d6p-63, 0x1.23518cp-67},
+     .ranges = ranges32(),
+     .sameAs = "orvsAbs_32fc_A24"},
     {.member = "orvsAbs_32fc_A24",
      .maxUlp = 0.60,
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite32, 2), repeated(symmetric(floatFromBits(kKernelLow32)), 2), repeated(kBelowNormal32, 2)},
-     .exclusions = {excludeMagnitudes({{0x1p-64, 0x1p-62}, {0.0, 0x1p-62}}, kLowBand), excludeMagnitudes({{0.0, 0x1p-62}, {0x1p-64, 0x1p-62}}, kLowBand)}},
+     .worst = {-0x1.dfd3f4p-66, 0x1.162452p-62},
+     .ranges = ranges32(),
+     .exclusions = lowBand(kLowLimit32 / 4, kLowLimit32)},
     {.member = "orvsHypot_64f_A26",
      .maxUlp = 1.15,
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)}},
+     .worst = {0x1.8683f3d6c3cdcp-512, 0x1.8b6363994426p-512},
+     .ranges = ranges64(),
+     .sameAs = "orvsHypot_64f_A53",
+     .peerVectors = "hypot"},
     {.member = "orvsHypot_64f_A50",
      .maxUlp = 1.15,
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)}},
+     .worst = {0x1.8683f3d6c3cdcp-512, 0x1.8b6363994426p-512},
+     .ranges = ranges64(),
+     .sameAs = "orvsHypot_64f_A53",
+     .peerVectors = "hypot"},
     {.member = "orvsHypot_64f_A53",
      .maxUlp = 0.99999999,
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)},
-     .exclusions = {excludeMagnitudes({{0x1p-512, 0x1p-510}, {0.0, 0x1p-510}}, kLowBand), excludeMagnitudes({{0.0, 0x1p-510}, {0x1p-512, 0x1p-510}}, kLowBand)}},
+     .worst = {-0x1.7dbf1280b663fp-1021, -0x1.c3a649f5905d4p-1022},
+     .ranges = ranges64(),
+     .exclusions = lowBand(0x1p-512, 0x1p-510),
+     .peerVectors = "hypot"},
     {.member = "orvsAbs_64fc_A26",
      .maxUlp = 1.15,
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)}},
+     .worst = {0x1.8683f3d6c3cdcp-512, 0x1.8b6363994426p-512},
+     .ranges = ranges64(),
+     .sameAs = "orvsAbs_64fc_A53"},
     {.member = "orvsAbs_64fc_A50",
      .maxUlp = 1.15,
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)}},
+     .worst = {0x1.8683f3d6c3cdcp-512, 0x1.8b6363994426p-512},
+     .ranges = ranges64(),
+     .sameAs = "orvsAbs_64fc_A53"},
     {.member = "orvsAbs_64fc_A53",
      .maxUlp = 0.99999999,
-     .ranges = {repeated(kOrdinary, 2), repeated(kFinite64, 2), repeated(Interval{-1.2e-153, 1.2e-153}, 2), repeated(kBelowNormal64, 2)},
-     .exclusions = {excludeMagnitudes({{0x1p-512, 0x1p-510}, {0.0, 0x1p-510}}, kLowBand), excludeMagnitudes({{0.0, 0x1p-510}, {0x1p-512, 0x1p-510}}, kLowBand)}}
+     .worst = {0x0.4ffd17b34d1e4p-1022, 0x1.aef41c929476dp-1021},
+     .ranges = ranges64(),
+     .exclusions = lowBand(0x1p-512, 0x1p-510)}
 )
 }  // namespace orv
 #endif

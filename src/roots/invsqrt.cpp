@@ -2,20 +2,20 @@
 // (rsqrt_seed.h), refined by multiplications only.
 //
 // binary32, seed y0 = rsqrtps(x) (12 bits):
-//   A11  y0.                                       max 2941 ulp, relative 2^-11.9
-//   A21  (-0.5*y0) * (x*y0*y0 - 3): one Newton step.          max 2.63 ulp
+//   A11  y0.
+//   A21  (-0.5*y0) * (x*y0*y0 - 3): one Newton step.
 //   A24  y = y0 cut to 9 bits, so y*y is exact and e = x*y*y - 1 rounds
-//        once; three series terms; y + p*y.                   max 0.979 ulp
+//        once; three series terms; y + p*y.
 // binary64, the integer-built seed y (21 bits), e = x*y*y - 1, y*y exact:
 //   A26 = A50  four series terms, y + p*y: one computation, two names.
-//                                                             max 0.999 ulp
 //   A53        e from x split at its low word, e = (xh*y*y - 1) + xl*y*y
 //              (the head's product near 1 first, the tail's added to the
-//              exact difference); five terms; y + p*y.        max 0.501 ulp
+//              exact difference); five terms; y + p*y.
 //
-// The binary32 maxima are over all 2^32 arguments against 1/sqrt in
-// binary64; the binary64 ones over 14 million arguments (every binade,
-// binade edges, denormals, the top and bottom binades) against MPFR.
+// The maxima (in the records) of binary32 are over all 2^32 arguments
+// against 1/sqrt in binary64; the binary64 ones over 14 million arguments
+// (every binade, binade edges, denormals, the top and bottom binades)
+// against MPFR.
 //
 // Paths.
 // A11 and A21 work in groups of 4, two to a round of 8.  Their screen,
@@ -308,29 +308,54 @@ ORV_EXPORT OrvStatus orvsInvSqrt_64f_A53(const Orv64f* src, Orv64f* dst, int32_t
 #include "frame/record.h"
 
 namespace orv {
+namespace {
+using namespace records;
+
+// The ordinary range, the positive normals below and above it, and the
+// positive denormals.
+std::vector<Box> ranges32() {
+    return {Interval{1e-4, 1e4}, Interval{FLT_MIN, 1e-4}, Interval{1e4, FLT_MAX}, kPositiveDenormal32};
+}
+std::vector<Box> ranges64() {
+    return {Interval{1e-4, 1e4}, Interval{DBL_MIN, 1e-4}, Interval{1e4, DBL_MAX}, kPositiveDenormal64};
+}
+
+}  // namespace
+
 ORV_RECORDS(
     // A11 stops at the seed, whose bits differ between processor makers: its
-    // record is the seed's architectural bound, a relative error of 1.5 * 2^-12,
-    // which is 6144 ulp just below a power of two (2941 measured over all 2^32
-    // inputs on the AMD machine of our runs).
+    // record is the seed's architectural bound, a relative error of 1.5 * 2^-12
+    // (6144 ulp just below a power of two), and its worst input the one of the
+    // AMD machine of our runs, over all 2^32 inputs.
     {.member = "orvsInvSqrt_32f_A11",
      .maxUlp = 6145,
-     .ranges = {Interval{1e-4, 1e4}, Interval{FLT_MIN, 1e-4}, Interval{1e4, FLT_MAX}, kPositiveDenormal32}},
+     .worst = {0x1.10cf9cp+56},
+     .ranges = ranges32()},
     {.member = "orvsInvSqrt_32f_A21",
      .maxUlp = 2.63,
-     .ranges = {Interval{1e-4, 1e4}, Interval{FLT_MIN, 1e-4}, Interval{1e4, FLT_MAX}, kPositiveDenormal32}},
+     .worst = {0x1.0541c6p-14},
+     .ranges = ranges32()},
     {.member = "orvsInvSqrt_32f_A24",
      .maxUlp = 0.979,
-     .ranges = {Interval{1e-4, 1e4}, Interval{FLT_MIN, 1e-4}, Interval{1e4, FLT_MAX}, kPositiveDenormal32}},
+     .worst = {0x1.072942p+4},
+     .ranges = ranges32(),
+     .position = {"a rejected block of eight is computed whole by the slow route, sqrt(x)/x in binary64: "
+                  "an ordinary element beside a special one gets the slow route's result, alone the block formula's",
+                  1},
+     .warningsByKind = true},
     {.member = "orvsInvSqrt_64f_A26",
      .maxUlp = 0.999,
-     .ranges = {Interval{1e-4, 1e4}, Interval{DBL_MIN, 1e-4}, Interval{1e4, DBL_MAX}, kPositiveDenormal64}},
+     .worst = {0x1.0f2eb4642e6f8p+4},
+     .ranges = ranges64()},
     {.member = "orvsInvSqrt_64f_A50",
      .maxUlp = 0.999,
-     .ranges = {Interval{1e-4, 1e4}, Interval{DBL_MIN, 1e-4}, Interval{1e4, DBL_MAX}, kPositiveDenormal64}},
+     .worst = {0x1.090f10889c8b1p+10},
+     .ranges = ranges64(),
+     .sameAs = "orvsInvSqrt_64f_A26"},
     {.member = "orvsInvSqrt_64f_A53",
      .maxUlp = 0.501,
-     .ranges = {Interval{1e-4, 1e4}, Interval{DBL_MIN, 1e-4}, Interval{1e4, DBL_MAX}, kPositiveDenormal64}}
+     .worst = {0x1.b0b879c49d5c9p-509},
+     .ranges = ranges64()}
 )
 }  // namespace orv
 #endif

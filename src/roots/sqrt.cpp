@@ -5,28 +5,26 @@
 //
 // binary32, seed y0 = rsqrtps(x) (12 bits), result screen on t = x*y0:
 //   A11  t = x*y0: the seed itself.                         rounds of 8
-//        max 4156 ulp, relative 2^-11.9
 //   A21  (y0*t - 3) * (t * -0.5): one Newton step.          rounds of 16
-//        max 3.27 ulp
 //   A24  split form: y = y0 cut to 9 bits, so y*y is exact; x split into
 //        a 9-bit head xh and the exact rest xl; e = (xh*y*y - 1) + xl*y*y
 //        (the large product first, the small one added to the difference);
 //        three series terms; ((p*y)*x + xl*y) + xh*y, the exact xh*y last.
 //                                                           rounds of 8
-//        max 0.889 ulp
 //   Zero lanes force y to 0, so a zero passes with its sign; rsqrtps gives
 //   NaN for negatives and +infinity for denormals, which make t non-finite
 //   and send the round to the ElementPath.
 //
 // binary64, the integer-built seed y (21 bits), e = x*y*y - 1 with y*y
 // exact, screen on the argument (positive normal high word):
-//   A26  (y + p*y) * x, two series terms.                   rounds of 8
-//        relative 2^-34.4 (366077 ulp)
-//   A50  the same with four terms.                          rounds of 8
-//        max 1.97 ulp: three roundings after the series
+//   A26  (y + p*y) * x, two series terms: the dropped terms of the series
+//        limit it to about 34 correct bits.                 rounds of 8
+//   A50  the same with four terms; three roundings after the series.
+//                                                           rounds of 8
 //   A53  x split at its low word (xh*y exact), five terms,
-//        ((p*y)*x + xl*y) + xh*y.                           rounds of 4
-//        max 0.604 ulp (0.5003 on normal arguments)
+//        ((p*y)*x + xl*y) + xh*y; its largest errors are on denormal
+//        arguments.                                         rounds of 4
+// The maximum of each member, and where it lies, is in its record.
 //
 // The binary32 maxima are over all 2^32 arguments against the root in
 // binary64; the binary64 ones over 14 million arguments (every binade,
@@ -251,29 +249,45 @@ ORV_EXPORT OrvStatus orvsSqrt_64f_A53(const Orv64f* src, Orv64f* dst, int32_t le
 #include "frame/record.h"
 
 namespace orv {
+namespace {
+using namespace records;
+
+// The ordinary range, the rest of the positive line, and the values below
+// the smallest normal.
+std::vector<Box> ranges32() { return {Interval{0.0, 1e4}, Interval{1e4, FLT_MAX}, Interval{0.0, FLT_MIN}}; }
+std::vector<Box> ranges64() { return {Interval{0.0, 1e4}, Interval{1e4, DBL_MAX}, Interval{0.0, DBL_MIN}}; }
+
+}  // namespace
+
 ORV_RECORDS(
     // A11 stops at the seed, whose bits differ between processor makers: its
-    // record is the seed's architectural bound, a relative error of 1.5 * 2^-12,
-    // which is 6144 ulp just below a power of two (4156 measured over all 2^32
-    // inputs on the AMD machine of our runs).
+    // record is the seed's architectural bound, a relative error of 1.5 * 2^-12
+    // (6144 ulp just below a power of two), and its worst input the one of the
+    // AMD machine of our runs, over all 2^32 inputs.
     {.member = "orvsSqrt_32f_A11",
      .maxUlp = 6145,
-     .ranges = {Interval{0.0, 1e4}, Interval{1e4, FLT_MAX}, Interval{0.0, FLT_MIN}}},
+     .worst = {0x1.df2fe8p+127},
+     .ranges = ranges32()},
     {.member = "orvsSqrt_32f_A21",
      .maxUlp = 3.27,
-     .ranges = {Interval{0.0, 1e4}, Interval{1e4, FLT_MAX}, Interval{0.0, FLT_MIN}}},
+     .worst = {0x1.f720f4p-79},
+     .ranges = ranges32()},
     {.member = "orvsSqrt_32f_A24",
      .maxUlp = 0.889,
-     .ranges = {Interval{0.0, 1e4}, Interval{1e4, FLT_MAX}, Interval{0.0, FLT_MIN}}},
+     .worst = {0x1.360f2p-129},
+     .ranges = ranges32()},
     {.member = "orvsSqrt_64f_A26",
-     .maxUlp = 367000,
-     .ranges = {Interval{0.0, 1e4}, Interval{1e4, DBL_MAX}, Interval{0.0, DBL_MIN}}},
+     .maxUlp = 366077,
+     .worst = {0x1.df2febd5414c7p-693},
+     .ranges = ranges64()},
     {.member = "orvsSqrt_64f_A50",
-     .maxUlp = 1.97,
-     .ranges = {Interval{0.0, 1e4}, Interval{1e4, DBL_MAX}, Interval{0.0, DBL_MIN}}},
+     .maxUlp = 1.971,
+     .worst = {0x1.fa4ca71e24c4fp+1023},
+     .ranges = ranges64()},
     {.member = "orvsSqrt_64f_A53",
      .maxUlp = 0.604,
-     .ranges = {Interval{0.0, 1e4}, Interval{1e4, DBL_MAX}, Interval{0.0, DBL_MIN}}}
+     .worst = {0x1.864c8b5848b35p+1023},
+     .ranges = ranges64()}
 )
 }  // namespace orv
 #endif

@@ -4,7 +4,9 @@
 // next to its code.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 #include "exports.h"
 #include "measure.h"
@@ -18,6 +20,17 @@ std::vector<std::string> implementedNames() {
     std::vector<std::string> names;
     for (const ExportInfo* e : implementedExports()) names.push_back(e->name);
     return names;
+}
+
+// An input as the record writes it: exact hexadecimal literals.
+std::string literal(const ExportInfo& e, const Sample& s) {
+    std::string out;
+    for (int c = 0; c < e.inputComponents(); ++c) {
+        char buf[40];
+        std::snprintf(buf, sizeof buf, "%a", s.in[c]);
+        out += (c ? ", " : "") + std::string(buf);
+    }
+    return out;
 }
 
 class Accuracy : public ::testing::TestWithParam<std::string> {
@@ -56,6 +69,21 @@ TEST_P(Accuracy, WithinTierAndRecordedBound) {
     }
     EXPECT_LE(st.maxUlp, record->maxUlp) << "above the recorded maximum: " << st.worst;
     RecordProperty("max_ulp", std::to_string(st.maxUlp));
+    std::printf("measured %s %.7g ulp at {%s}\n", e.name.c_str(), st.maxUlp, literal(e, st.worstInput).c_str());
+
+    // The recorded worst input is within the record, and no sample is
+    // worse.  It is taken alone and in a block of copies of itself, which
+    // reproduces the maxima that come from the block path.
+    ASSERT_EQ(int(record->worst.size()), e.inputComponents()) << "no worst input recorded";
+    ErrorStats atWorst;
+    for (int copies : {1, 64}) {
+        std::vector<Sample> worst(copies);
+        for (Sample& s : worst) std::copy(record->worst.begin(), record->worst.end(), s.in);
+        atWorst.merge(measureErrors(e, worst, runMember(e, worst)));
+    }
+    EXPECT_LE(atWorst.maxUlp, record->maxUlp) << atWorst.worst;
+    EXPECT_GE(atWorst.maxUlp, st.maxUlp) << "the recorded worst input gives less than a sample: " << atWorst.worst
+                                         << "; the sample: " << st.worst;
 }
 
 // The references themselves, checked against glibc's correctly rounded
@@ -110,6 +138,29 @@ TEST(MemberRecords, OnePerImplementedMember) {
         int records = 0;
         for (const AccuracyRecord& r : accuracyRecords()) records += r.member == e->name;
         EXPECT_EQ(records, 1) << e->name;
+    }
+}
+
+// The traits hold together: an exact member is within half an ulp, a
+// position dependence has its reason and its measured size, and a member
+// is one computation with another member of the same arrays.
+TEST(MemberRecords, TraitsAreConsistent) {
+    for (const AccuracyRecord& r : accuracyRecords()) {
+        const ExportInfo& e = *findExport(r.member);
+        if (r.exact) {
+            EXPECT_LE(r.maxUlp, 0.5) << r.member;
+        }
+        EXPECT_EQ(r.positionDependent(), r.positionMaxUlp > 0) << r.member << ": a reason without a size, or the reverse";
+        if (r.warningsByKind) {
+            EXPECT_GE(e.warnings.size(), 2u) << r.member;
+        }
+        if (r.sameAs.empty()) continue;
+        const AccuracyRecord* other = findRecord(r.sameAs);
+        ASSERT_NE(other, nullptr) << r.member << " is one computation with " << r.sameAs << ", which has no record";
+        EXPECT_NE(r.sameAs, r.member);
+        const ExportInfo& o = *findExport(r.sameAs);
+        EXPECT_TRUE(o.type == e.type && o.shape == e.shape && o.family == e.family) << r.member << " and " << r.sameAs;
+        EXPECT_EQ(r.positionDependent(), other->positionDependent()) << r.member << " and " << r.sameAs;
     }
 }
 

@@ -205,22 +205,6 @@ std::string describe(const ExportInfo& e, const Sample& s, const double* y, mpfr
     return os.str() + buf;
 }
 
-std::string familyFile(const ExportInfo& e) {
-    static const struct {
-        const char* family;
-        const char* file;
-    } kNames[] = {{"Exp", "exp"},     {"Ln", "log"},       {"Log10", "log10"}, {"Sin", "sin"},
-                  {"Cos", "cos"},     {"Tan", "tan"},      {"SinCos", "sincos"}, {"Asin", "asin"},
-                  {"Acos", "acos"},   {"Atan", "atan"},    {"Atan2", "atan2"}, {"Sinh", "sinh"},
-                  {"Cosh", "cosh"},   {"Tanh", "tanh"},    {"Asinh", "asinh"}, {"Acosh", "acosh"},
-                  {"Atanh", "atanh"}, {"Erf", "erf"},      {"Erfc", "erfc"},   {"Pow", "pow"},
-                  {"Hypot", "hypot"}, {"Cbrt", "cbrt"},    {"Expm1", "expm1"}, {"Log1p", "log1p"},
-                  {"Sqrt", "sqrt"}};
-    for (const auto& n : kNames)
-        if (e.family == n.family && (e.isComplex() || e.family != "Sqrt")) return (e.isComplex() ? "c" : "") + std::string(n.file);
-    return "";
-}
-
 bool parseHex(const std::string& text, bool is64, double* values, int count) {
     std::stringstream ss(text);
     std::string item;
@@ -276,6 +260,7 @@ void setConstant(const ExportInfo& e, const std::vector<Sample>& s, CallArgs& a)
 
 void ErrorStats::merge(const ErrorStats& o) {
     if (o.maxUlp > maxUlp || (o.classMismatches && !classMismatches)) worst = o.worst;
+    if (o.maxUlp > maxUlp) worstInput = o.worstInput;
     count += o.count;
     maxUlp = std::max(maxUlp, o.maxUlp);
     minBits = std::min(minBits, o.minBits);
@@ -328,6 +313,17 @@ std::vector<Sample> sampleRange(const ExportInfo& e, const Range& r, int count, 
     return out;
 }
 
+std::vector<Sample> sampleValues(const ExportInfo& e, const Range& r, int count, uint64_t seed) {
+    std::mt19937_64 rng(seed);
+    std::vector<Sample> out(count);
+    for (int i = 0; i < count; ++i)
+        for (int c = 0; c < r.components(); ++c) {
+            const double v = r.lo(c) + (r.hi(c) - r.lo(c)) * std::uniform_real_distribution<double>(0, 1)(rng);
+            out[i].in[c] = toType(std::min(std::max(v, r.lo(c)), r.hi(c)), e.is64());
+        }
+    return out;
+}
+
 std::vector<Sample> specialSamples(const ExportInfo& e) {
     const bool is64 = e.is64();
     const double minSub = is64 ? 0x1p-1074 : 0x1p-149;
@@ -367,8 +363,9 @@ std::vector<Sample> specialSamples(const ExportInfo& e) {
 
 PeerVectors peerVectors(const ExportInfo& e) {
     PeerVectors p;
-    const std::string name = familyFile(e);
-    if (name.empty() || e.shape == Shape::K) return p;
+    const AccuracyRecord* record = findRecord(e.name);
+    if (!record || record->peerVectors.empty() || e.shape == Shape::K) return p;
+    const std::string& name = record->peerVectors;
     p.file = std::string(ORVVM_PEER_VECTORS_DIR) + "/" + name + ".tsv";
     std::ifstream in(p.file);
     if (!in) return p;
@@ -443,6 +440,7 @@ ErrorStats measureErrors(const ExportInfo& e, const std::vector<Sample>& samples
             if (err.classMismatch) ++st.classMismatches;
             if (err.ulp > st.maxUlp || (err.classMismatch && st.classMismatches == 1) || st.worst.empty())
                 st.worst = describe(e, samples[i], &results[i * oc], ref.result(c), err.ulp);
+            if (err.ulp > st.maxUlp) st.worstInput = samples[i];
             st.maxUlp = std::max(st.maxUlp, err.ulp);
             st.minBits = std::min(st.minBits, err.bits);
         }

@@ -21,6 +21,9 @@ struct Sample {
 // Uniform samples of a range: half uniform in value, half uniform over the
 // bit patterns between the bounds (so every binade gets its share).
 std::vector<Sample> sampleRange(const ExportInfo& e, const Range& r, int count, uint64_t seed);
+// Samples uniform in value only, all of them ordinary values when the range
+// is the member's ordinary range (no tiny ones, as bit patterns would give).
+std::vector<Sample> sampleValues(const ExportInfo& e, const Range& r, int count, uint64_t seed);
 // Zeros, denormals, the normal limits, one, the largest finite values,
 // infinities and NaN, in every component.
 std::vector<Sample> specialSamples(const ExportInfo& e);
@@ -70,6 +73,7 @@ struct ErrorStats {
     long inexact = 0;           // results not equal to the correctly rounded value
     long classMismatches = 0;   // NaN or infinity where the reference has none, or the reverse
     std::string worst;          // the input and output of the worst case, for messages
+    Sample worstInput;          // the input of the largest error in ulps
 
     void merge(const ErrorStats& o);
 };

@@ -92,6 +92,7 @@ std::vector<AccuracyRecord> load() {
         r.positionMaxUlp = m.position.maxUlp;
         r.warningsByKind = m.warningsByKind;
         if (m.sameAs) r.sameAs = m.sameAs;
+        if (m.peerVectors) r.peerVectors = m.peerVectors;
         check(r);
         records.push_back(std::move(r));
     }

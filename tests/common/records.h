@@ -46,6 +46,7 @@ struct AccuracyRecord {
     double positionMaxUlp = 0;
     bool warningsByKind = false;  // group passes write a rejected block's warnings by kind
     std::string sameAs;           // a member that is one computation with this one
+    std::string peerVectors;      // the C function of glibc's test vectors for the reference
 
     bool positionDependent() const { return !positionWhy.empty(); }
     // Whether an input (its real components) lies in one of the exclusions.

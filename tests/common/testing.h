@@ -1,11 +1,16 @@
-// Small helpers for the family tests: raw bits, and scopes that set the
-// caller's floating-point control state and put it back.
+// Small helpers for the family tests: raw bits, scopes that set the
+// caller's floating-point control state and put it back, and read-only
+// sources.
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <bit>
 #include <cstdint>
+#include <cstring>
+#include <vector>
 
 #include "orvvm.h"
 
@@ -67,6 +72,26 @@ public:
 private:
     uint32_t savedMxcsr_;
     uint16_t savedX87_;
+};
+
+// A copy of values on a page of its own that only reads: a member that
+// writes a source dst does not alias faults on it.
+template <class T>
+class ReadOnlyCopy {
+public:
+    explicit ReadOnlyCopy(const std::vector<T>& values) : size_(size_t(sysconf(_SC_PAGESIZE))) {
+        page_ = mmap(nullptr, size_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        std::memcpy(page_, values.data(), values.size() * sizeof(T));
+        mprotect(page_, size_, PROT_READ);
+    }
+    ~ReadOnlyCopy() { munmap(page_, size_); }
+    ReadOnlyCopy(const ReadOnlyCopy&) = delete;
+    ReadOnlyCopy& operator=(const ReadOnlyCopy&) = delete;
+    const T* data() const { return static_cast<const T*>(page_); }
+
+private:
+    size_t size_;
+    void* page_;
 };
 
 }  // namespace orvtest

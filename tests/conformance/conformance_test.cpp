@@ -10,7 +10,9 @@
 //   - in-place calls, arrays at every legal misalignment, and no access
 //     outside the arrays (each array against a PROT_NONE page at its end,
 //     and at its start);
-//   - results that depend on an element's value, not on where it stands.
+//   - results that depend on an element's value, not on where it stands,
+//     unless the member's record says why and by how much;
+//   - equal bits from the members that are one computation.
 #include <gtest/gtest.h>
 #include <setjmp.h>
 #include <signal.h>
@@ -148,6 +150,7 @@ class GuardedConformance : public Conformance {};
 class OrderedWarnings : public Conformance {};
 class InPlace : public Conformance {};
 class PositionIndependence : public Conformance {};
+class SameComputation : public Conformance {};
 
 // ---- Argument checks ----------------------------------------------------
 
@@ -276,12 +279,6 @@ TEST_P(Conformance, StatusIsOneOfTheMembersWarnings) {
         OrvStatus st = runPlain(e, s).status;
         EXPECT_TRUE(allowed(e, st)) << "status " << st << " for input " << formatValue(one.in[0], e.is64());
     }
-}
-
-// Group-pass members write the warnings of a rejected block by kind, not by
-// element; the family tests cover their order.
-bool writesWarningsByKind(const ExportInfo& e) {
-    return e.name == "orvsInvSqrt_32f_A24" || (e.family == "Atanh" && !e.isComplex() && e.name != "orvsAtanh_64f_A53");
 }
 
 TEST_P(OrderedWarnings, LastWarningWrittenWins) {
@@ -429,43 +426,137 @@ TEST_P(Conformance, NoAccessOutsideTheArrays) {
 
 // ---- Position ---------------------------------------------------------------
 
-// Families whose rejected blocks take a different (double) kernel, so that
-// an element's last bits may depend on its neighbours.
-bool resultDependsOnPosition(const ExportInfo& e) {
-    if (e.isComplex()) return e.family == "CIS";
-    for (const char* f : {"Sin", "Cos", "Tan", "SinCos", "Atan2"})
-        if (e.family == f) return true;
-    return false;
+// Ordinary values of the member, uniform by value over its recorded
+// ordinary range, so that a block of them passes its screen and runs the
+// block path; for the K shape, one constant for the whole call.
+std::vector<Sample> ordinaryInputs(const ExportInfo& e, int count, uint64_t seed) {
+    std::vector<Sample> s = sampleValues(e, recordOf(e).ranges[0], count, seed);
+    if (e.shape == Shape::K)
+        for (Sample& x : s)
+            for (int c = e.inputComponents() / 2; c < e.inputComponents(); ++c) x.in[c] = s[0].in[c];
+    return s;
 }
 
-// The result of an element is the same alone (the tail), among ordinary
-// neighbours (a passing block) and beside a NaN (a rejected block), at every
-// position of the array.
-TEST_P(PositionIndependence, ResultDependsOnlyOnTheElement) {
-    const ExportInfo& e = member();
-    const int len = 48;
-    auto neighbours = mixedInputs(e, len, 7);
-    std::vector<Sample> clean;
-    if (const AccuracyRecord* r = findRecord(e.name)) clean = sampleRange(e, r->ranges[0], len, 8);
-    else clean.assign(len, neighbours[0]);
-    auto probes = mixedInputs(e, 12, 9);
+// The results of each element computed alone, as a call of length one: the
+// tail, which takes the ElementPath.
+Outcome eachAlone(const ExportInfo& e, const std::vector<Sample>& s) {
+    Outcome all{orvStatusOk, Bytes(s.size() * e.dstElemSize()), Bytes()};
+    if (e.destinationCount() == 2) all.dst2.resize(all.dst1.size());
+    Arrays arr(e, 1);
     const size_t out = e.dstElemSize();
-    for (const Sample& probe : probes) {
-        const Outcome alone = runPlain(e, std::vector<Sample>(1, probe));
-        for (const auto* around : {&clean, &neighbours})
-            for (int p = 0; p < len; p += 5) {
-                std::vector<Sample> s = *around;
-                s[p] = probe;
-                if (e.shape == Shape::K)  // one constant per call
-                    for (Sample& x : s)
-                        for (int c = e.inputComponents() / 2; c < e.inputComponents(); ++c) x.in[c] = probe.in[c];
-                const Outcome got = runPlain(e, s);
-                EXPECT_EQ(std::memcmp(&got.dst1[p * out], alone.dst1.data(), out), 0)
-                    << "input " << formatValue(probe.in[0], e.is64()) << " at position " << p;
-                if (e.destinationCount() == 2) {
-                    EXPECT_EQ(std::memcmp(&got.dst2[p * out], alone.dst2.data(), out), 0);
-                }
+    for (size_t i = 0; i < s.size(); ++i) {
+        const Outcome one = runAt(e, std::vector<Sample>(1, s[i]), arr.src, arr.dst);
+        std::memcpy(&all.dst1[i * out], one.dst1.data(), out);
+        if (e.destinationCount() == 2) std::memcpy(&all.dst2[i * out], one.dst2.data(), out);
+    }
+    return all;
+}
+
+// Distance in units in the last place of the member's real type between
+// two results, counted over the representable values (NaN to anything but
+// NaN is infinitely far).
+double ulpDistance(double a, double b, bool is64) {
+    if (std::isnan(a) || std::isnan(b)) return std::isnan(a) && std::isnan(b) ? 0 : INFINITY;
+    // Keys in the order of the values, adjacent values one apart.
+    auto key = [is64](double v) -> int64_t {
+        if (is64) {
+            int64_t k;
+            std::memcpy(&k, &v, 8);
+            return k < 0 ? -(k & INT64_MAX) : k;
+        }
+        float f = float(v);
+        int32_t k;
+        std::memcpy(&k, &f, 4);
+        return k < 0 ? -int64_t(k & INT32_MAX) : k;
+    };
+    const __int128 d = __int128(key(a)) - key(b);
+    return double(d < 0 ? -d : d);
+}
+
+// How far each element's result inside a call lies from its result alone:
+// the largest distance, and how many elements differ in any bit.
+struct Difference {
+    double maxUlp = 0;
+    long differing = 0;
+    std::string first;
+};
+Difference compareWithAlone(const ExportInfo& e, const std::vector<Sample>& s, const Outcome& inCall,
+                            const Outcome& alone) {
+    Difference d;
+    const int n = int(s.size()), oc = e.outputComponents();
+    const size_t out = e.dstElemSize();
+    std::vector<double> got(n * oc), want(n * oc);
+    decodeResults(e, inCall.dst1.data(), inCall.dst2.data(), n, got.data());
+    decodeResults(e, alone.dst1.data(), alone.dst2.data(), n, want.data());
+    for (int i = 0; i < n; ++i) {
+        bool same = std::memcmp(&inCall.dst1[i * out], &alone.dst1[i * out], out) == 0;
+        if (e.destinationCount() == 2) same &= std::memcmp(&inCall.dst2[i * out], &alone.dst2[i * out], out) == 0;
+        if (same) continue;
+        if (d.differing++ == 0)
+            d.first = "input " + formatValue(s[i].in[0], e.is64()) + (e.inputComponents() > 1 ? ", ..." : "") +
+                      " at position " + std::to_string(i);
+        for (int c = 0; c < oc; ++c) d.maxUlp = std::max(d.maxUlp, ulpDistance(got[i * oc + c], want[i * oc + c], e.is64()));
+    }
+    return d;
+}
+
+// Each element's result inside a call against its result alone: among
+// ordinary neighbours (passing blocks, the block path) at every offset
+// into the blocks, and among special values (rejected blocks).  A member
+// whose record declares no position dependence must give the same bits;
+// one that declares it must stay within its recorded difference, and show
+// some difference, or the declaration is void.
+TEST_P(PositionIndependence, ResultDependsOnlyOnTheElementOrAsRecorded) {
+    const ExportInfo& e = member();
+    const AccuracyRecord& record = recordOf(e);
+    const std::vector<Sample> ordinary = ordinaryInputs(e, 1 << 16, 7);
+    const std::vector<Sample> mixed = mixedInputs(e, 1 << 12, 8);
+    Difference worst;
+    for (const auto* inputs : {&ordinary, &mixed}) {
+        const Outcome alone = eachAlone(e, *inputs);
+        for (int shift : {0, 1, 2, 3, 5}) {
+            const std::vector<Sample> s(inputs->begin() + shift, inputs->end());
+            Outcome aloneShifted = alone;
+            const size_t out = e.dstElemSize();
+            aloneShifted.dst1.erase(aloneShifted.dst1.begin(), aloneShifted.dst1.begin() + shift * out);
+            if (e.destinationCount() == 2)
+                aloneShifted.dst2.erase(aloneShifted.dst2.begin(), aloneShifted.dst2.begin() + shift * out);
+            const Difference d = compareWithAlone(e, s, runPlain(e, s), aloneShifted);
+            if (!record.positionDependent()) {
+                ASSERT_EQ(d.differing, 0) << d.differing << " of " << s.size() << " results differ from the element "
+                                          << "alone (by up to " << d.maxUlp << " ulp), first the " << d.first;
             }
+            if (d.maxUlp > worst.maxUlp) worst = d;
+            worst.differing = std::max(worst.differing, d.differing);
+        }
+    }
+    if (record.positionDependent()) {
+        EXPECT_LE(worst.maxUlp, record.positionMaxUlp) << worst.first;
+        EXPECT_GT(worst.differing, 0) << "declared position-dependent (" << record.positionWhy
+                                      << "), but every result equals the element's alone";
+        RecordProperty("position_max_ulp", std::to_string(worst.maxUlp));
+        std::printf("position %s: up to %.6g ulp, %ld results differ\n", e.name.c_str(), worst.maxUlp,
+                    worst.differing);
+    }
+}
+
+// ---- One computation under several names --------------------------------
+
+// Members recorded as one computation give the same bits and statuses on
+// the same inputs: ordinary values mixed with special ones, and each
+// special value alone.
+TEST_P(SameComputation, EqualBitsAndStatuses) {
+    const ExportInfo& e = member();
+    const ExportInfo* other = findExport(recordOf(e).sameAs);
+    ASSERT_TRUE(other && other->symbol()) << recordOf(e).sameAs << " is not a member the library has";
+    ASSERT_TRUE(other->type == e.type && other->shape == e.shape) << "one computation on different arrays";
+    for (int len : {1, 7, 64, 1001}) {
+        const auto s = mixedInputs(e, len, 10 + len);
+        EXPECT_TRUE(runPlain(e, s) == runPlain(*other, s)) << "len " << len;
+    }
+    for (const Sample& one : specialSamples(e)) {
+        const std::vector<Sample> s(1, one);
+        EXPECT_TRUE(runPlain(e, s) == runPlain(*other, s)) << "input " << formatValue(one.in[0], e.is64());
     }
 }
 
@@ -484,7 +575,9 @@ INSTANTIATE_TEST_SUITE_P(Exports, GuardedConformance,
                          ::testing::ValuesIn(implementedNames([](const ExportInfo& e) { return e.hasGuard(); })),
                          kName);
 INSTANTIATE_TEST_SUITE_P(Exports, OrderedWarnings, ::testing::ValuesIn(implementedNames([](const ExportInfo& e) {
-                             return e.warnings.size() >= 2 && !writesWarningsByKind(e);
+                             // Group passes write a rejected block's warnings by kind.
+                             const AccuracyRecord* r = findRecord(e.name);
+                             return e.warnings.size() >= 2 && !(r && r->warningsByKind);
                          })),
                          kName);
 INSTANTIATE_TEST_SUITE_P(Exports, InPlace, ::testing::ValuesIn(implementedNames([](const ExportInfo& e) {
@@ -492,11 +585,16 @@ INSTANTIATE_TEST_SUITE_P(Exports, InPlace, ::testing::ValuesIn(implementedNames(
                          })),
                          kName);
 INSTANTIATE_TEST_SUITE_P(Exports, PositionIndependence,
-                         ::testing::ValuesIn(implementedNames([](const ExportInfo& e) { return !resultDependsOnPosition(e); })),
+                         ::testing::ValuesIn(implementedNames([](const ExportInfo&) { return true; })), kName);
+INSTANTIATE_TEST_SUITE_P(Exports, SameComputation, ::testing::ValuesIn(implementedNames([](const ExportInfo& e) {
+                             const AccuracyRecord* r = findRecord(e.name);
+                             return r && !r->sameAs.empty();
+                         })),
                          kName);
 // A suite may be empty while no member of its kind is built.
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(GuardedConformance);
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(OrderedWarnings);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(SameComputation);
 
 }  // namespace
 }  // namespace orvtest

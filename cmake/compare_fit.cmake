@@ -1,0 +1,68 @@
+# Runs a fit script, src/<dir>/fit_<name>.sollya, twice and compares what it
+# prints with what is committed: the whole header src/<dir>/<name>.h when
+# that file exists, else the lines between "// ---- begin fit_<name>" and
+# "// ---- end fit_<name>" (which may be indented) in the one file of
+# src/<dir> that holds them.
+# Scripts run from src/, where they find tables/fitting.sollya.
+if(NOT SOLLYA)
+  message(FATAL_ERROR "sollya not found: run tools/install-deps, then configure again")
+endif()
+get_filename_component(dir "${SCRIPT}" DIRECTORY)
+get_filename_component(stem "${SCRIPT}" NAME_WE)
+string(REGEX REPLACE "^fit_" "" name "${stem}")
+
+foreach(run 1 2)
+  execute_process(COMMAND "${SOLLYA}" --warnonstderr "${SCRIPT}" WORKING_DIRECTORY "${SOURCE_DIR}"
+                  INPUT_FILE /dev/null OUTPUT_VARIABLE out${run} ERROR_VARIABLE err RESULT_VARIABLE status)
+  if(NOT status EQUAL 0 OR NOT err STREQUAL "")
+    message(FATAL_ERROR "${SCRIPT} failed (${status}):\n${err}")
+  endif()
+endforeach()
+set(fresh "${CMAKE_CURRENT_BINARY_DIR}/refitted_${name}.txt")
+file(WRITE "${fresh}" "${out1}")
+if(NOT out1 STREQUAL out2)
+  message(FATAL_ERROR "${SCRIPT} prints different text on two runs (see ${fresh})")
+endif()
+
+if(EXISTS "${dir}/${name}.h")
+  set(target "${dir}/${name}.h")
+  file(READ "${target}" committed)
+else()
+  set(begin "// ---- begin fit_${name}")
+  set(end "// ---- end fit_${name}")
+  file(GLOB candidates "${dir}/*.cpp" "${dir}/*.h")
+  set(target "")
+  foreach(file ${candidates})
+    file(READ "${file}" text)
+    string(FIND "${text}" "${begin}" at)
+    if(at EQUAL -1)
+      continue()
+    endif()
+    if(target)
+      message(FATAL_ERROR "both ${target} and ${file} hold a block fit_${name}")
+    endif()
+    set(target "${file}")
+    # The block starts on the line after the begin marker.
+    string(SUBSTRING "${text}" ${at} -1 text)
+    string(FIND "${text}" "\n" eol)
+    math(EXPR eol "${eol} + 1")
+    string(SUBSTRING "${text}" ${eol} -1 text)
+    string(FIND "${text}" "${end}" stop)
+    if(stop EQUAL -1)
+      message(FATAL_ERROR "${file}: block fit_${name} has no end marker")
+    endif()
+    # Up to the end of the line before the end marker, which may be indented.
+    string(SUBSTRING "${text}" 0 ${stop} committed)
+    string(FIND "${committed}" "\n" eol REVERSE)
+    math(EXPR eol "${eol} + 1")
+    string(SUBSTRING "${committed}" 0 ${eol} committed)
+  endforeach()
+  if(NOT target)
+    message(FATAL_ERROR "no ${dir}/${name}.h and no block \"${begin}\" in ${dir}")
+  endif()
+endif()
+
+if(NOT committed STREQUAL out1)
+  message(FATAL_ERROR "${target}: fit_${name} differs from what ${SCRIPT} prints now (see ${fresh})")
+endif()
+message(STATUS "fit_${name}: ${target} matches its script")
