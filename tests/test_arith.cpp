@@ -130,6 +130,46 @@ TEST(Conj, FlipsOnlyTheImaginarySign) {
     }
 }
 
+// With both operands NaN, Add and Mul give src1's NaN, made quiet, in the
+// peel, the rounds and the tail alike, in place or not: which NaN comes out
+// does not depend on the element's position.
+template <class T, class U, class Fn>
+void expectFirstNaN(Fn fn, U nan1, U nan2, U quiet1, int components) {
+    for (int len = 1; len <= 40; ++len)
+        for (int offset = 0; offset < 3; ++offset)  // src2 and dst moved by 0 to 2 elements
+            for (int inPlace = 0; inPlace < 2; ++inPlace) {
+                const int n = len * components;
+                alignas(16) U a[128], b[128 + 2], d[128 + 2];
+                for (int i = 0; i < n; ++i) a[i] = nan1, b[offset + i] = nan2;
+                U* dst = inPlace ? a : d + offset;
+                ASSERT_EQ(fn(reinterpret_cast<const T*>(a), reinterpret_cast<const T*>(b + offset),
+                             reinterpret_cast<T*>(dst), len),
+                          orvStatusOk);
+                for (int i = 0; i < n; ++i)
+                    ASSERT_EQ(dst[i], quiet1) << "len " << len << ", offset " << offset
+                                              << (inPlace ? ", in place" : "") << ", element " << i;
+            }
+}
+
+TEST(PlainLoops, FirstOperandsNaNAtEveryPosition) {
+    const uint32_t n1 = 0x7FC00001, n2 = 0x7FC00002, s1 = 0x7F800001;
+    const uint64_t m1 = 0x7FF8000000000001, m2 = 0xFFF8000000000002, t1 = 0xFFF0000000000001;
+    // The reported case first: 16-byte aligned, len 7, 8 and 9.
+    alignas(16) float a[9], b[9], d[9];
+    for (int len = 7; len <= 9; ++len) {
+        for (int i = 0; i < len; ++i) a[i] = f32(n1), b[i] = f32(n2);
+        ASSERT_EQ(orvsAdd_32f_A24(a, b, d, len), orvStatusOk);
+        for (int i = 0; i < len; ++i) EXPECT_EQ(bits(d[i]), n1) << "len " << len << ", element " << i;
+    }
+    expectFirstNaN<Orv32f>(orvsAdd_32f_A24, n1, n2, n1, 1);
+    expectFirstNaN<Orv32f>(orvsMul_32f_A24, n1, n2, n1, 1);
+    expectFirstNaN<Orv32f>(orvsMul_32f_A24, s1, n2, s1 | 0x00400000u, 1);  // signalling, quieted
+    expectFirstNaN<Orv64f>(orvsAdd_64f_A53, m1, m2, m1, 1);
+    expectFirstNaN<Orv64f>(orvsMul_64f_A53, t1, m1, t1 | 0x0008000000000000u, 1);
+    expectFirstNaN<Orv32fc>(orvsAdd_32fc_A24, n1, n2, n1, 2);
+    expectFirstNaN<Orv64fc>(orvsAdd_64fc_A53, m1, m2, m1, 2);
+}
+
 TEST(ComplexAddSub, ComponentwiseAtEveryLength) {
     for (int len = 1; len <= 21; ++len) {
         std::vector<Orv32fc> a(len), b(len), s(len), d(len);

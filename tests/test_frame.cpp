@@ -1,6 +1,7 @@
 // The frame vocabulary on its own: the guard's tests, written values and
-// restores in every mode, the raising of flags, and the visiting order of
-// the block-path drivers that every family builds on.
+// restores in every mode, the x87 vocabulary and its scoped mode, the
+// raising of flags, and the visiting order of the block-path drivers that
+// every family builds on.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -11,6 +12,7 @@
 
 #include "frame/blockpath.h"
 #include "frame/frame.h"
+#include "frame/x87.h"
 #include "testing.h"
 
 using namespace orv;
@@ -108,6 +110,38 @@ TEST(FpStateGuard, ArithmeticStaysInsideTheGuard) {
     FpEnvScope up(kMxcsrDefault | kMxcsrRoundUp);
     EXPECT_EQ(thirdOfArray(x), 0x1.5555555555555p-2);  // nearest, not up (...556p-2)
     EXPECT_EQ(thirdOfConstants(1.0, 3.0), 0x1.5555555555555p-2);
+}
+
+// The extended value's layout, its one-rounding stores, and a scoped mode
+// that computes at 64-bit precision and to nearest whatever the caller's
+// word, puts that word back and keeps the arithmetic between its writes.
+TEST(X87, ExtendedValuesAndTheScopedMode) {
+    ExtendedBits one = extendedBits(extend(1.0));
+    EXPECT_EQ(one.significand, 0x8000000000000000u);
+    EXPECT_EQ(one.signExponent, 0x3FFF);
+    EXPECT_EQ(extendedFromBits(0xC000000000000000, 0xC000), -3.0L);
+    EXPECT_EQ(extendedBits(sqrtX87(extend(2.0))).significand, 0xB504F333F9DE6484u);
+
+    // 1 + 2^-40 + 2^-60 is exact at 64 bits, lost at 53 and 24; the sum
+    // below the half-ulp of binary64 shows the store's direction.
+    auto body = [](double a, double b, double c) {
+        Extended s = extend(a) + extend(b) + extend(c);
+        return roundToDouble(s - extend(a));
+    };
+    const double want = 0x1p-40 + 0x1p-60;
+    for (uint16_t word : {0x037F, 0x007F, 0x027F, 0x077F, 0x0B7F, 0x0F7F}) {
+        FpEnvScope scope(kMxcsrDefault, word);
+        EXPECT_EQ(inX87Mode<kX87Extended>(body, 1.0, 0x1p-40, 0x1p-60), want) << std::hex << word;
+        EXPECT_EQ(orvtest::readX87(), word);
+        float f;
+        inX87Mode<kX87Extended>([&](double x) { storeRounded(&f, extend(x)); return 0.0; }, 1.0 + 0x1p-30);
+        EXPECT_EQ(f, 1.0f);
+        EXPECT_EQ(inX87Mode<kX87Extended>([](double x) { return roundToFloat(extend(x)); }, 1.0 - 0x1p-40),
+                  1.0f);
+    }
+    // Outside a scope the word rules: 24-bit precision loses the small terms.
+    FpEnvScope single(kMxcsrDefault, 0x007F);
+    EXPECT_EQ(body(opaque(1.0), 0x1p-40, 0x1p-60), 0.0);
 }
 
 TEST(Frames, CheckOrder) {

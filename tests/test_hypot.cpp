@@ -72,6 +72,31 @@ TEST(Hypot, Binary32OutsideTheKernelGoesThroughExtendedPrecision) {
     for (auto& r : all32({3.4e38f}, {3.4e38f})) EXPECT_SAME_BITS(r[0], INFINITY);
 }
 
+// The x87 route computes under its own precision and rounding: the
+// caller's x87 word (other precisions, other directions) changes nothing.
+TEST(Hypot, Binary32ExtendedRouteIgnoresCallersX87Word) {
+    struct Case {
+        uint32_t a, b, want;
+    };
+    const Case cases[] = {{0xBE000000, 0x07338191, 0x3E000000},
+                          {0xFF7FFFFC, 0xFC2911D5, 0x7F800000},
+                          {0x96DBAB51, 0x153CA8EA, 0x16DCEE72},
+                          {0x728E138E, 0x3102C169, 0x728E138E}};
+    const uint16_t words[] = {0x037F, 0x007F, 0x027F, 0x077F, 0x0A7F, 0x0B7F, 0x0F7F, 0x0C7F};
+    for (uint16_t word : words)
+        for (const Case& c : cases) {
+            std::vector<float> a = {f32(c.a)}, b = {f32(c.b)};
+            std::vector<std::vector<float>> r;
+            {
+                orvtest::FpEnvScope scope(orvtest::kMxcsrDefault, word);
+                r = all32(a, b);
+            }
+            for (size_t m = 0; m < r.size(); ++m)
+                EXPECT_EQ(bits(r[m][0]), c.want) << std::hex << "x87 word 0x" << word << ", a 0x" << c.a
+                                                 << (m ? ", Abs" : ", Hypot");
+        }
+}
+
 // Special operands, as (a, b, result) bit patterns, through both shapes.
 template <class T, class U>
 void expectBits(std::initializer_list<std::array<U, 3>> cases) {

@@ -4,7 +4,9 @@
 // sense of IEEE arithmetic: the correctly rounded sum, difference or
 // product in the caller's rounding mode.  All the work is in the loop
 // around it (plain_loops.h).  LengthFirstFrame with no guard: len, then the
-// pointers; the caller's MXCSR governs the arithmetic.
+// pointers; the caller's MXCSR governs the arithmetic.  With both operands
+// NaN the result is src1's NaN made quiet, as the vector instructions give
+// it, in every path of the loop.
 #include "arith/plain_loops.h"
 #include "frame/frame.h"
 
@@ -12,10 +14,12 @@
 namespace orv {
 namespace {
 
-// One operation for scalars and vectors alike.
+// One operation for scalars and vectors alike.  The commutative ones keep
+// their operand order (simd.h), so that of two NaN operands src1's comes
+// out, made quiet, in the peel, the rounds and the tail alike.
 struct AddOp {
     template <class V>
-    V operator()(V a, V b) const { return a + b; }
+    V operator()(V a, V b) const { return addOrdered(a, b); }
 };
 struct SubOp {
     template <class V>
@@ -23,7 +27,7 @@ struct SubOp {
 };
 struct MulOp {
     template <class V>
-    V operator()(V a, V b) const { return a * b; }
+    V operator()(V a, V b) const { return mulOrdered(a, b); }
 };
 struct SqrOp {
     template <class V>

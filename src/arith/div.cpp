@@ -48,6 +48,7 @@
 #include "arith/division.h"
 #include "frame/blockpath.h"
 #include "frame/frame.h"
+#include "frame/x87.h"
 
 #ifndef ORVVM_RECORDS
 namespace orv {
@@ -116,15 +117,10 @@ void divideRound24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t 
 // 2^-150 .. 2^128, r = 1/(p*q) does too, and nothing in the round comes
 // near the limits of the x87 range; only the final rounding to binary64
 // can overflow or underflow, where the true quotient does.
-bool productInFloatRange(long double m) {
-    uint32_t word = bitsOf(float(m));
-    return (word & kAbs32) != 0 && (word & division::kInf32) != division::kInf32;
+bool productInFloatRange(Extended m) {
+    uint32_t word = bitsOf(roundToFloat(m));
+    return (word & kAbs32) != 0 && (word & kInfinity32) != kInfinity32;
 }
-
-// Rounds an extended value to binary64 in the store itself (fstpl), with
-// no detour through the stack and an SSE register, which costs the round a
-// store-forwarding stall when two such values are paired into one vector.
-inline void storeAsDouble(Orv64f* p, long double x) { asm("fstpl %0" : "=m"(*p) : "t"(x) : "st"); }
 
 // Error: every step is rounded at 64-bit precision.  In b1*(q*r) the
 // rounding of q cancels against the same q inside p*q; those of p, p*q, r,
@@ -132,16 +128,16 @@ inline void storeAsDouble(Orv64f* p, long double x) { asm("fstpl %0" : "=m"(*p) 
 // 2^-64 relative, under 0.003 ulp of binary64 on top of the final
 // rounding's half ulp.
 bool sharedX87Block(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t i) {
-    long double b0 = src2[i], b1 = src2[i + 1], b2 = src2[i + 2], b3 = src2[i + 3];
-    long double a0 = src1[i], a1 = src1[i + 1], a2 = src1[i + 2], a3 = src1[i + 3];
-    long double p = b0 * b1, q = b2 * b3, m = p * q;
+    Extended b0 = src2[i], b1 = src2[i + 1], b2 = src2[i + 2], b3 = src2[i + 3];
+    Extended a0 = src1[i], a1 = src1[i + 1], a2 = src1[i + 2], a3 = src1[i + 3];
+    Extended p = b0 * b1, q = b2 * b3, m = p * q;
     if (!productInFloatRange(m)) return false;
-    long double r = 1.0L / m;
-    long double invP = q * r, invQ = p * r;
-    storeAsDouble(dst + i + 2, (b3 * invQ) * a2);
-    storeAsDouble(dst + i + 3, (b2 * invQ) * a3);
-    storeAsDouble(dst + i, (b1 * invP) * a0);
-    storeAsDouble(dst + i + 1, (b0 * invP) * a1);
+    Extended r = 1.0L / m;
+    Extended invP = q * r, invQ = p * r;
+    storeRounded(dst + i + 2, (b3 * invQ) * a2);
+    storeRounded(dst + i + 3, (b2 * invQ) * a3);
+    storeRounded(dst + i, (b1 * invP) * a0);
+    storeRounded(dst + i + 1, (b0 * invP) * a1);
     return true;
 }
 
@@ -149,15 +145,15 @@ bool sharedX87Block(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t
 // (1/b^4)*b^2*b, so that its error has the shape of the block's; b^4 of
 // any finite nonzero binary64 is inside the x87 range.  A zero, infinite
 // or NaN divisor takes the plain quotient.
-long double x87Quotient(double a, double b) {
-    long double x = a, y = b;
+Extended x87Quotient(double a, double b) {
+    Extended x = a, y = b;
     if (isZero(b) || isNonFinite(b)) return x / y;
-    long double t = y * y, u = t * t;
+    Extended t = y * y, u = t * t;
     return (((1.0L / u) * t) * y) * x;
 }
 
 double sharedX87Element(double a, double b, StatusVar& status) {
-    double q = double(x87Quotient(a, b));
+    double q = roundToDouble(x87Quotient(a, b));
     if (isZero(b)) status.write(orvStatusSingularity);
     return q;
 }
@@ -209,7 +205,7 @@ ORV_EXPORT OrvStatus orvsDiv_32f_A21(const Orv32f* src1, const Orv32f* src2, Orv
 }
 ORV_EXPORT OrvStatus orvsDiv_32f_A24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len) {
     return pointersFirstFrame<kGuardNearest>({src1, src2, dst}, len, [&](StatusVar& status) {
-        division::plainRounds<4>(
+        plainRounds<4>(
             len, [&](int32_t i) { divideRound24(src1, src2, dst, i, status); },
             [&](int32_t i) { dst[i] = divideWithRule32(src1[i], src2[i], status); });
     });
@@ -222,7 +218,7 @@ ORV_EXPORT OrvStatus orvsDiv_64f_A50(const Orv64f* src1, const Orv64f* src2, Orv
     __attribute__((alias("orvsDiv_64f_A26")));
 ORV_EXPORT OrvStatus orvsDiv_64f_A53(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len) {
     return lengthFirstFrame<kGuardNearestKeepDaz>({src1, src2, dst}, len, [&](StatusVar& status) {
-        division::plainRounds<2>(
+        plainRounds<2>(
             len, [&](int32_t i) { divideRound53(src1, src2, dst, i, status); },
             [&](int32_t i) { dst[i] = divideElement53(src1[i], src2[i], status); });
     });

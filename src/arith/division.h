@@ -1,6 +1,6 @@
 // What the real division and reciprocal families share: the reciprocal seed
-// of the low 32-bit tiers with its divisor screen, the bit tests of the
-// special values, and the plain loop of the tiers that divide outright.
+// of the low 32-bit tiers with its divisor screen, and the bit tests of the
+// special values.
 #pragma once
 
 #include <cstdint>
@@ -64,32 +64,19 @@ inline float scalarReciprocal(float x) {
 }
 
 // ---- Bit tests of special values ------------------------------------------
-inline constexpr uint32_t kInf32 = 0x7F800000;
-inline constexpr uint64_t kExponent64 = 0x7FF0000000000000;
 
 inline bool isZero(float x) { return (bitsOf(x) & kAbs32) == 0; }
 inline bool isZero(double x) { return (bitsOf(x) & kAbs64) == 0; }
 // NaN: magnitude bits above those of infinity.
-inline bool isNaN(float x) { return (bitsOf(x) & kAbs32) > kInf32; }
+inline bool isNaN(float x) { return (bitsOf(x) & kAbs32) > kInfinity32; }
 // Infinity or NaN: exponent field all ones.
-inline bool isNonFinite(double x) { return (bitsOf(x) & kExponent64) == kExponent64; }
+inline bool isNonFinite(double x) { return (bitsOf(x) & kInfinity64) == kInfinity64; }
 
 // Mask of the lanes whose numerator is not NaN (magnitude bits not above
 // those of infinity).
 inline F32x4 notNaN(F32x4 a) {
     I32x4 magnitude = bitsOf(a) & splat32(kAbs32);
-    return asF32x4(cmpGt32(splat32(kInf32 + 1), magnitude));
-}
-
-// ---- The loop of the tiers that divide outright ---------------------------
-// No screen and no fallback: rounds of N, each dividing, storing and then
-// looking for zero divisors, and a tail of single elements with the same
-// rule.
-template <int N, class Round, class Element>
-inline void plainRounds(int32_t len, Round&& round, Element&& element) {
-    int32_t i = 0;
-    for (; i <= len - N; i += N) round(i);
-    for (; i < len; ++i) element(i);
+    return asF32x4(cmpGt32(splat32(kInfinity32 + 1), magnitude));
 }
 
 }  // namespace orv::division

@@ -190,7 +190,7 @@ ORV_EXPORT OrvStatus orvsInv_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len
 }
 ORV_EXPORT OrvStatus orvsInv_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len) {
     return pointersFirstFrame<kGuardNearest>({src, dst}, len, [&](StatusVar& status) {
-        division::plainRounds<4>(
+        plainRounds<4>(
             len, [&](int32_t i) { invertRound24(src, dst, i, status); },
             [&](int32_t i) { dst[i] = invertWithRule32(src[i], status); });
     });
@@ -203,7 +203,7 @@ ORV_EXPORT OrvStatus orvsInv_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len
 }
 ORV_EXPORT OrvStatus orvsInv_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len) {
     return lengthFirstFrame<kGuardNearestKeepDaz>({src, dst}, len, [&](StatusVar& status) {
-        division::plainRounds<2>(
+        plainRounds<2>(
             len, [&](int32_t i) { invertRound53(src, dst, i, status); },
             [&](int32_t i) { dst[i] = invertElement53(src[i], status); });
     });

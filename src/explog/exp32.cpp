@@ -63,15 +63,13 @@ constexpr uint32_t kOverflowLimit = 0x42B17218;  // 88.72283935546875, first flo
 constexpr uint32_t kUnderflowLimit = 0xC2AEAC50;  // -87.3365478515625: e^x < FLT_MIN from here down
 constexpr uint32_t kZeroLimit21 = 0xC2CFF1B5;  // -103.97208404541016, first float below ln 2^-150
 constexpr uint32_t kZeroLimit24 = 0xC2CE8ED1;  // -103.27893829345703, first float below ln 2^-149
-constexpr uint32_t kPosInf32 = 0x7F800000;
 constexpr uint32_t kNegInf32 = 0xFF800000;
 // An exponent field above this one is n = 128, which the field cannot hold.
 constexpr uint32_t kTopField32 = 0x7F000000;
 
 // Products made for their value and their flag.
-constexpr float kHuge32 = floatFromBits(0x7F000000);  // 2^127; squared overflows
+constexpr float kTwoTo127 = floatFromBits(0x7F000000);  // squared overflows
 constexpr float kTiny32 = floatFromBits(0x00800000);  // 2^-126; squared underflows to +0
-constexpr float kTwoTo127 = floatFromBits(0x7F000000);
 constexpr float kTwo32 = 2.0f;
 
 // A21, A24: k = round(x 128/ln2) by the shifter, ln2/128 in two parts.
@@ -271,14 +269,14 @@ inline F32x4 exp11Wide(F32x4 x) {
     F32x4 result = select(inFloatRange, exp11Float(x), narrowed);
     F32x4 toInf = asF32x4(cmpGt32(bits, splat32(kWideInfBits - 1)));
     F32x4 toZero = asF32x4(sar32<31>(bits) & cmpGt32(bits, splat32(kWideZeroBits)));
-    result = select(toInf, splatBits32(kPosInf32), result);
+    result = select(toInf, splatBits32(kInfinity32), result);
     result = andNot(result, toZero);
     return select(cmpUnord(x, x), x, result);
 }
 
 // A11's statuses, found after the results by scanning the elements in order.
 inline void status11(uint32_t b, StatusVar& status) {
-    if (b >= kOverflowLimit && b < kPosInf32) status.write(orvStatusOverflow);
+    if (b >= kOverflowLimit && b < kInfinity32) status.write(orvStatusOverflow);
     if (b >= kUnderflowLimit && b < kNegInf32) status.write(orvStatusUnderflow);
 }
 
@@ -338,13 +336,13 @@ template <class Tier>
 inline float expElement(float x, StatusVar& status) {
     uint32_t b = bitsOf(x);
     if (passesMagnitude(b, kScreen21)) return Tier::finish(Tier::kernel(splat(x)));
-    if ((b & kAbs32) > kPosInf32) return x + x;
-    if (b == kPosInf32) return x;
+    if ((b & kAbs32) > kInfinity32) return x + x;
+    if (b == kInfinity32) return x;
     if (b == kNegInf32) return 0.0f;
     if ((b & kSign32) == 0) {
         if (b >= kOverflowLimit) {
             status.write(orvStatusOverflow);
-            float huge = opaque(kHuge32);
+            float huge = opaque(kTwoTo127);
             return huge * huge;
         }
         auto parts = Tier::kernel(splat(x));

@@ -74,10 +74,8 @@ constexpr uint32_t kScreenHigh = 0x4086232B;
 constexpr uint64_t kOverflowLimit = 0x40862E42FEFA39F0;  // 709.7827128933841
 constexpr uint64_t kSubnormalLimit = 0xC086232BDD7ABCD3;  // -708.3964185322642
 constexpr uint64_t kZeroLimit = 0xC0874910D52D3052;  // -745.1332191019412
-constexpr uint64_t kPosInf64 = 0x7FF0000000000000;
 constexpr uint64_t kNegInf64 = 0xFFF0000000000000;
 constexpr uint64_t kAllOnes64 = 0xFFFFFFFFFFFFFFFF;
-constexpr uint64_t kExponentMask64 = 0x7FF0000000000000;
 constexpr uint64_t kOne64 = 0x3FF0000000000000;
 constexpr int kTopN = 1024;
 constexpr double kTwoTo1023 = doubleFromBits(0x7FE0000000000000);
@@ -155,7 +153,7 @@ inline Parts128 kernel50(F64x2 x) {
 }
 // S = 2^n 2^(j/128) in one OR, then S + S p.
 inline F64x2 finish128(const Parts128& p) {
-    I32x4 field = shl64<45>(add64(p.sumBits, splat64(kBias128))) & splat64(kExponentMask64);
+    I32x4 field = shl64<45>(add64(p.sumBits, splat64(kBias128))) & splat64(kInfinity64);
     F64x2 s = asF64x2(field | p.fraction);
     return s + s * p.p;
 }
@@ -184,7 +182,7 @@ inline Parts64 kernel53(F64x2 x) {
     return {((th + tt) * p + tt) + th, sumBits};
 }
 inline F64x2 finish53(const Parts64& p) {
-    I32x4 field = shl64<46>(add64(p.sumBits, splat64(kBias64))) & splat64(kExponentMask64);
+    I32x4 field = shl64<46>(add64(p.sumBits, splat64(kBias64))) & splat64(kInfinity64);
     return p.u * asF64x2(field);
 }
 
@@ -229,13 +227,13 @@ template <class Tier>
 inline double expElement(double x, StatusVar& status) {
     uint64_t b = bitsOf(x);
     if (passesMagnitude(highWord(x), kScreenHigh)) return Tier::finish(Tier::kernel(splat(x)));
-    if ((b & kAbs64) > kPosInf64) return Tier::nan(x);
-    if (b == kPosInf64) return x;
+    if ((b & kAbs64) > kInfinity64) return Tier::nan(x);
+    if (b == kInfinity64) return x;
     if (b == kNegInf64) return 0.0;
     if ((b & kSign64) == 0) {
         if (atOrAbove(b, kOverflowLimit)) {
             status.write(orvStatusOverflow);
-            return doubleFromBits(kPosInf64);
+            return doubleFromBits(kInfinity64);
         }
         auto parts = Tier::kernel(splat(x));
         if (exponentOf<Tier>(parts) == kTopN) return Tier::unscaled(parts) * kTwoTo1023 * kTwo64;
@@ -269,26 +267,19 @@ inline bool expBlock128(const double* src, double* dst) {
 }
 
 // A53, software-pipelined: elements 0, 1, 4, 5 are computed and stored
-// before the screen's verdict, then 2, 3, 6, 7.  A rejected block puts the
-// four inputs it kept back where an in-place call has overwritten them;
-// a source that dst does not alias is never written (it may be read-only),
-// and there the stored-ahead results are simply recomputed.
+// before the screen's verdict, then 2, 3, 6, 7 (StoreAheadBlock with those
+// four stored ahead).
+constexpr uint32_t kStoredAhead53 = 0x33;
 inline bool expBlock53(const double* src, double* dst) {
     F64x2 x01 = load(src), x45 = load(src + 4);
     store(dst, finish53(kernel53(x01)));
     store(dst + 4, finish53(kernel53(x45)));
     F64x2 x23 = load(src + 2), x67 = load(src + 6);
     F64x2 y23 = finish53(kernel53(x23)), y67 = finish53(kernel53(x67));
-    if (passes(screenDifferences(x01, x23) & screenDifferences(x45, x67))) {
-        store(dst + 2, y23);
-        store(dst + 6, y67);
-        return true;
-    }
-    if (src == dst) {
-        store(dst, x01);
-        store(dst + 4, x45);
-    }
-    return false;
+    if (!passes(screenDifferences(x01, x23) & screenDifferences(x45, x67))) return false;
+    store(dst + 2, y23);
+    store(dst + 6, y67);
+    return true;
 }
 
 }  // namespace
@@ -316,8 +307,8 @@ ORV_EXPORT OrvStatus orvsExp_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len
 // rejection the ElementPath runs until the count left is a multiple of 8.
 ORV_EXPORT OrvStatus orvsExp_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len) {
     return pointersFirstFrame<kGuardNearest>({src, dst}, len, [&](StatusVar& status) {
-        drainFallback<8>(
-            len, [&](int32_t i) { return expBlock53(src + i, dst + i); },
+        storeAheadBlock<8, kStoredAhead53>(
+            len, dst, {src}, [&](int32_t i) { return expBlock53(src + i, dst + i); },
             [&](int32_t i) { dst[i] = expElement<Tier53>(src[i], status); });
     });
 }

@@ -120,7 +120,7 @@ template <const Poly11& P, bool kScaled>
     I32x4 mant = bits & splat32(kFraction32);
     I32x4 t = add32(mant, splat32(kSqrt2Carry)) & splat32(0x00800000);
     // Biased exponent plus t, to float by the 2^23 shifter: (2^23 + n) - (2^23 + 127).
-    I32x4 biased = shr32<23>(add32(bits & splat32(0x7F800000), t));
+    I32x4 biased = shr32<23>(add32(bits & splat32(kInfinity32), t));
     F32x4 e = asF32x4(biased | splat32(0x4B000000)) - splatBits32(0x4B00007F);
     F32x4 z = asF32x4((t ^ splat32(kOneBits32)) | mant) - lanes(1.0f);
     F32x4 p = ((((lanes(P.a5) * z + lanes(P.a4)) * z + lanes(P.a3)) * z + lanes(P.a2)) * z +

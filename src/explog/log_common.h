@@ -33,15 +33,15 @@ struct Rows32 {
 };
 // The row whose byte offset is in 32-bit lane `lane` of offsets.
 template <int lane>
-inline __m128 rowAt(const LogRow32* table, I32x4 offsets) {
-    uint32_t offset = uint32_t(_mm_cvtsi128_si32(_mm_shuffle_epi32(offsets.v, lane * 0x55)));
-    return _mm_load_ps(reinterpret_cast<const float*>(reinterpret_cast<const char*>(table) + offset));
+inline F32x4 rowAt(const LogRow32* table, I32x4 offsets) {
+    uint32_t offset = laneAt<lane>(offsets);
+    return loadAligned(reinterpret_cast<const float*>(reinterpret_cast<const char*>(table) + offset));
 }
 inline Rows32 gatherRows(const LogRow32* table, I32x4 offsets) {
-    __m128 r0 = rowAt<0>(table, offsets), r1 = rowAt<1>(table, offsets);
-    __m128 r2 = rowAt<2>(table, offsets), r3 = rowAt<3>(table, offsets);
-    _MM_TRANSPOSE4_PS(r0, r1, r2, r3);
-    return {{r0}, {r1}, {r2}};
+    F32x4 r0 = rowAt<0>(table, offsets), r1 = rowAt<1>(table, offsets);
+    F32x4 r2 = rowAt<2>(table, offsets), r3 = rowAt<3>(table, offsets);
+    transpose(r0, r1, r2, r3);
+    return {r0, r1, r2};
 }
 
 // Byte offsets of the rows of two double lanes, computed in the high words
@@ -50,8 +50,7 @@ struct RowPair {
     uint32_t i0, i1;
 };
 inline RowPair rowNumbers(I32x4 highLanes) {
-    return {uint32_t(_mm_cvtsi128_si32(_mm_shuffle_epi32(highLanes.v, _MM_SHUFFLE(1, 1, 1, 1)))),
-            uint32_t(_mm_cvtsi128_si32(_mm_shuffle_epi32(highLanes.v, _MM_SHUFFLE(3, 3, 3, 3))))};
+    return {laneAt<1>(highLanes), laneAt<3>(highLanes)};
 }
 // The row at a byte offset from the table's start.
 template <class Row>
@@ -77,24 +76,6 @@ inline Rows53 gatherRows(const LogRow53* table, RowPair i) {
     F64x2 c = loadAligned(&r0.tt), d = loadAligned(&r1.tt);
     return {unpackLo(a, b), unpackHi(a, b), unpackLo(c, d)};
 }
-
-// A constant in every lane, as one 16-byte literal read by one load.  GCC
-// builds a broadcast float constant with a scalar load and a shuffle at
-// every use; the empty asm keeps it from seeing the value as a broadcast, so
-// the vector literal is loaded whole, once, and kept or reloaded as a whole.
-inline F32x4 lanes(float c) {
-    __m128i v = _mm_set1_epi32(int(std::bit_cast<uint32_t>(c)));
-    asm("" : "+x"(v));
-    return {_mm_castsi128_ps(v)};
-}
-inline F64x2 lanes(double c) {
-    __m128i v = _mm_set1_epi64x(int64_t(std::bit_cast<uint64_t>(c)));
-    asm("" : "+x"(v));
-    return {_mm_castsi128_pd(v)};
-}
-
-// Integer lanes to float, exactly (every value here is a small integer).
-inline F32x4 toFloat(I32x4 a) { return {_mm_cvtepi32_ps(a.v)}; }
 
 // A small signed integer held in the high word of each double lane (32-bit
 // lanes 1 and 3; lanes 0 and 2 are ignored), as a double: added to the high

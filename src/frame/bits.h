@@ -16,12 +16,12 @@ constexpr double doubleFromBits(uint64_t b) { return std::bit_cast<double>(b); }
 // The high 32 bits of a double hold its sign, exponent and top 20 fraction
 // bits: the word every 64-bit screen and exponent extraction works on.
 constexpr uint32_t highWord(double x) { return uint32_t(bitsOf(x) >> 32); }
-constexpr uint32_t lowWord(double x) { return uint32_t(bitsOf(x)); }
-constexpr double doubleFromWords(uint32_t hi, uint32_t lo) {
-    return doubleFromBits(uint64_t(hi) << 32 | lo);
-}
 
 constexpr uint32_t kSign32 = 0x80000000u;
+// +infinity, whose pattern is also the mask of the exponent field: a
+// magnitude above it is a NaN, one equal to it an infinity.
+constexpr uint32_t kInfinity32 = 0x7F800000u;
+constexpr uint64_t kInfinity64 = 0x7FF0000000000000u;
 constexpr uint32_t kAbs32 = 0x7FFFFFFFu;
 constexpr uint64_t kSign64 = 0x8000000000000000u;
 constexpr uint64_t kAbs64 = 0x7FFFFFFFFFFFFFFFu;

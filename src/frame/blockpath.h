@@ -80,16 +80,21 @@ inline void drainFallback(int32_t len, Block&& block, Element&& element) {
     drainFallback<N>(len, block, element, element);
 }
 
-// StoreAheadBlock: block(i) stores its first N/2 results before the screen's
-// verdict is known, to keep the pipeline full.  When dst is one of the
-// sources, an in-place call has then overwritten the first half of its own
-// inputs, so the driver keeps a copy of them and puts it back on rejection
-// before draining.  A source that dst does not alias is never written: it
-// may be read-only memory.
-template <int N, class T, class Block, class Element>
+// StoreAheadBlock: block(i) stores some of its results before the screen's
+// verdict is known, to keep the pipeline full: by default the first N/2,
+// or the elements whose bits are set in kAhead (bit k for element i + k).
+// When dst is one of the sources, an in-place call has then overwritten
+// those inputs, so the driver keeps a copy of the span from the first to
+// the last of them and puts it back on rejection before draining (the
+// span's other elements were not written, so their copy is their value).
+// A source that dst does not alias is never written: it may be read-only
+// memory.
+template <int N, uint32_t kAhead = (1u << (N / 2)) - 1, class T, class Block, class Element>
 inline void storeAheadBlock(int32_t len, T* dst, std::initializer_list<const T*> sources,
                             Block&& block, Element&& element) {
-    constexpr int kHalf = N / 2;
+    static_assert(kAhead != 0 && kAhead < (1ull << N), "elements of the round");
+    constexpr int kFirst = __builtin_ctz(kAhead);
+    constexpr int kSpan = 32 - __builtin_clz(kAhead) - kFirst;
     bool aliased = false;
     for (const T* s : sources) aliased |= (s == dst);
     if (!aliased) {
@@ -99,13 +104,27 @@ inline void storeAheadBlock(int32_t len, T* dst, std::initializer_list<const T*>
     drainFallback<N>(
         len,
         [&](int32_t i) {
-            T kept[kHalf];
-            std::memcpy(kept, dst + i, sizeof kept);
+            T kept[kSpan];
+            std::memcpy(kept, dst + i + kFirst, sizeof kept);
             if (block(i)) return true;
-            std::memcpy(dst + i, kept, sizeof kept);
+            std::memcpy(dst + i + kFirst, kept, sizeof kept);
             return false;
         },
         element);
+}
+
+// PlainRounds: rounds that always stand, with no screen and no fallback
+// (members that divide outright, say): round(i) computes and stores
+// elements i .. i+N-1, element(i) does each element of the tail.
+template <int N, class Round, class Element>
+inline void plainRounds(int32_t len, Round&& round, Element&& element) {
+    blockRounds<N>(
+        len,
+        [&](int32_t i) {
+            round(i);
+            return true;
+        },
+        [](int32_t) {}, element);
 }
 
 // LaneFixup: the round's results all stand, except the lanes whose screen

@@ -33,7 +33,8 @@
 // NaN; a NaN gives a NaN made quiet (b's when both are NaN; binary32 clears
 // its sign); a zero operand gives the magnitude of the other.  The rest of
 // binary32 is a*a + b*b and its root in x87 extended arithmetic, whose
-// exponent range has room for both squares, rounded once to binary32.  The
+// exponent range has room for both squares, rounded once to binary32, under
+// an x87 mode of its own (64-bit precision, to nearest).  The
 // rest of binary64 runs the kernel on operands scaled by a power of two
 // (larger magnitude into [1, 2), or by 2^-996 for the top binade, or by
 // 2^1022 when both are denormal) and multiplies the two final terms by the
@@ -57,6 +58,7 @@
 // guard nearest.
 #include "frame/blockpath.h"
 #include "frame/frame.h"
+#include "frame/x87.h"
 #include "roots/rsqrt_seed.h"
 
 namespace orv {
@@ -68,7 +70,6 @@ using namespace roots;
 constexpr uint32_t kSquareSplit32 = 0xFFF80000;     // 5 significant bits
 constexpr uint32_t kDistanceLimit32 = 0x02000000;   // 4 binades
 constexpr uint32_t kRootSplit32 = 0xFFFFE000;       // 11 significant bits
-constexpr uint32_t kExponent32 = 0x7F800000;
 constexpr uint32_t kKernelLow32 = 0x20800000;       // 2^-62
 constexpr uint32_t kKernelHigh32 = 0x5F000000;      // 2^63
 
@@ -118,7 +119,7 @@ inline F32x4 root32(SquareSum32 q) {
 // One group of 4: the results and the mask of lanes that fail the screen.
 inline F32x4 hypotGroup32(F32x4 a, F32x4 b, int& fail) {
     SquareSum32 q = squareSum(a, b);
-    fail |= badExponent(bitsOf(q.s) & splat32(kExponent32), kExponent32);
+    fail |= badExponent(bitsOf(q.s) & splat32(kInfinity32), kInfinity32);
     return root32(q);
 }
 
@@ -129,12 +130,17 @@ inline bool insideKernel32(uint32_t magnitude) {
 // Both squares are exact in the x87 format (48 significant bits, exponent
 // range far beyond binary32's); the sum and the root round to 64 bits and
 // the store to binary32, so the result is within a hair of correct
-// rounding and overflows or underflows only in that last rounding.
+// rounding and overflows or underflows only in that last rounding.  All of
+// it runs under 64-bit precision and rounding to nearest whatever the
+// caller left in the x87 word: this member guards MXCSR only, so the word
+// is set here, for this path alone.
 float x87Hypot(float a, float b) {
-    long double A = a, B = b;
-    long double s = A * A + B * B;
-    asm("fsqrt" : "+t"(s));
-    return float(s);
+    return inX87Mode<kX87Extended>(
+        [](float a, float b) {
+            Extended A = extend(a), B = extend(b);
+            return roundToFloat(sqrtX87(A * A + B * B));
+        },
+        a, b);
 }
 
 float hypotElement32(float a, float b) {
@@ -144,11 +150,11 @@ float hypotElement32(float a, float b) {
         return lane0(hypotGroup32(splat(a), splat(b), unused));
     }
     float absA = floatFromBits(A), absB = floatFromBits(B);
-    if (A >= kExponent32) {
-        if (A == kExponent32 || B == kExponent32) return floatFromBits(kExponent32);
-        return B > kExponent32 ? absB * 1.0f : absA * 1.0f;
+    if (A >= kInfinity32) {
+        if (A == kInfinity32 || B == kInfinity32) return floatFromBits(kInfinity32);
+        return B > kInfinity32 ? absB * 1.0f : absA * 1.0f;
     }
-    if (B >= kExponent32) return B == kExponent32 ? floatFromBits(kExponent32) : absB * 1.0f;
+    if (B >= kInfinity32) return B == kInfinity32 ? floatFromBits(kInfinity32) : absB * 1.0f;
     if (A == 0) return absB;
     if (B == 0) return absA;
     return x87Hypot(absA, absB);
@@ -160,37 +166,31 @@ constexpr uint32_t kDistanceLimit64 = 0x00600000;         // 6 binades: high wor
 constexpr uint32_t kExponent64 = 0x7FF00000;              // of a high word
 constexpr uint32_t kKernelLow64 = 0x20B00000;             // 2^-500
 constexpr uint32_t kKernelHigh64 = 0x5FE00000;            // 2^511
-constexpr uint64_t kInfinity64 = 0x7FF0000000000000;
 constexpr uint64_t kLargestDenormal64 = 0x000FFFFFFFFFFFFF;
-constexpr double kDenormalScale64 = doubleFromBits(0x7FD0000000000000);    // 2^1022
-constexpr double kDenormalUnscale64 = doubleFromBits(0x0010000000000000);  // 2^-1022
+constexpr double kBothDenormalScale64 = doubleFromBits(0x7FD0000000000000);    // 2^1022
+constexpr double kBothDenormalUnscale64 = doubleFromBits(0x0010000000000000);  // 2^-1022
 constexpr double kTopScale64 = doubleFromBits(0x01B0000000000000);         // 2^-996
 constexpr double kTopUnscale64 = doubleFromBits(0x7E30000000000000);       // 2^996
 
 struct SquareSum64 {
     F64x2 hi, lo, s;
 };
-// The high and the low words of two doubles, each repeated in both halves
-// of its lane, so that 32-bit compares give 64-bit lane masks.
-inline I32x4 highHalves(I32x4 v) { return {_mm_shuffle_epi32(v.v, _MM_SHUFFLE(3, 3, 1, 1))}; }
-inline I32x4 lowHalves(I32x4 v) { return {_mm_shuffle_epi32(v.v, _MM_SHUFFLE(2, 2, 0, 0))}; }
-
 // SSE3 has no 64-bit integer compare, so the compares of 64-bit patterns
 // are made of 32-bit ones: the high words signed (both are non-negative
 // here), and on a tie the low words unsigned.
 inline SquareSum64 squareSum(F64x2 a, F64x2 b) {
     I32x4 A = bitsOf(a) & splat64(kAbs64), B = bitsOf(b) & splat64(kAbs64);
     I32x4 flip = splat32(kSign32);
-    I32x4 highA = highHalves(A), highB = highHalves(B);
+    I32x4 highA = repeatHighWords(A), highB = repeatHighWords(B);
     I32x4 aLarger = cmpGt32(highA, highB) |
-                    (cmpEq32(highA, highB) & cmpGt32(lowHalves(A) ^ flip, lowHalves(B) ^ flip));
+                    (cmpEq32(highA, highB) & cmpGt32(repeatLowWords(A) ^ flip, repeatLowWords(B) ^ flip));
     I32x4 larger = select(aLarger, A, B), smaller = select(aLarger, B, A);
     // distance > 0x0060000000000000, the distance being non-negative.
     I32x4 distance = sub64(larger, smaller);
-    I32x4 distanceHigh = highHalves(distance);
+    I32x4 distanceHigh = repeatHighWords(distance);
     I32x4 limit = splat32(kDistanceLimit64);
     I32x4 far = cmpGt32(distanceHigh, limit) |
-                andNot(cmpEq32(distanceHigh, limit), cmpEq32(lowHalves(distance), splat32(0)));
+                andNot(cmpEq32(distanceHigh, limit), cmpEq32(repeatLowWords(distance), splat32(0)));
     F64x2 M = asF64x2(larger), m = asF64x2(smaller);
     F64x2 Mh = M & splatBits64(kSquareSplit64);
     F64x2 mh = andNot(m & splatBits64(kSquareSplit64), asF64x2(far));
@@ -247,8 +247,8 @@ double hypotElement64(double a, double b) {
     uint64_t larger = A > B ? A : B;
     double scale, unscale;
     if (larger <= kLargestDenormal64) {
-        scale = kDenormalScale64;
-        unscale = kDenormalUnscale64;
+        scale = kBothDenormalScale64;
+        unscale = kBothDenormalUnscale64;
     } else if ((larger & kInfinity64) == 0x7FE0000000000000) {
         // 2^-1023 has no normal encoding: the top binade goes to 2^27.
         scale = kTopScale64;
@@ -290,14 +290,6 @@ inline bool hypotRound32(F32x4 a0, F32x4 b0, F32x4 a1, F32x4 b1, float* out) {
     store(out, r.a.small + r.a.large);
     store(out + 2, r.b.small + r.b.large);
     return true;
-}
-
-// re of two 16-byte groups of two complex binary32 each, and their im.
-inline F32x4 evenLanes(F32x4 g0, F32x4 g1) {
-    return {_mm_shuffle_ps(g0.v, g1.v, _MM_SHUFFLE(2, 0, 2, 0))};
-}
-inline F32x4 oddLanes(F32x4 g0, F32x4 g1) {
-    return {_mm_shuffle_ps(g0.v, g1.v, _MM_SHUFFLE(3, 1, 3, 1))};
 }
 
 OrvStatus hypot32(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len) {

@@ -63,7 +63,6 @@ constexpr uint32_t kGroupLimit = 0xFEFFF001;
 constexpr uint32_t kLargestDenormal32 = 0x007FFFFF;
 constexpr float kGroupScale = floatFromBits(0x7E800000);       // 2^126
 constexpr float kGroupUnscale = floatFromBits(0x5F000000);     // 2^63
-constexpr uint32_t kInfinity32 = 0x7F800000;
 
 #ifndef ORVVM_RECORDS
 F32x4 invSqrtA11(F32x4 x) { return rsqrt(x); }
@@ -170,8 +169,8 @@ OrvStatus invSqrtGroups32(const Orv32f* src, Orv32f* dst, int32_t len) {
 // lanes keep the NaN of the square root, NaN lanes their own made quiet.
 F32x4 slowRoute(F32x4 x) {
     F64x2 low = widenLow(x);
-    F64x2 high = widenLow(F32x4{_mm_movehl_ps(x.v, x.v)});
-    F32x4 r = {_mm_movelh_ps(narrow(sqrt(low) / low).v, narrow(sqrt(high) / high).v)};
+    F64x2 high = widenHigh(x);
+    F32x4 r = narrow(sqrt(low) / low, sqrt(high) / high);
     F32x4 infinity = splatBits32(kInfinity32);
     r = select(cmpEq(x, zeroF32x4()), (x & splatBits32(kSign32)) | infinity, r);
     return andNot(r, cmpEq(x, infinity));
@@ -196,10 +195,7 @@ float invSqrtElementA24(float x, StatusVar& status) {
 }
 
 // ---- binary64 ---------------------------------------------------------------
-constexpr double kDenormalScale64 = doubleFromBits(0x4350000000000000);    // 2^54
-constexpr double kDenormalUnscale64 = doubleFromBits(0x41A0000000000000);  // 2^27
 constexpr uint64_t kDefaultNaN64 = 0xFFF8000000000000;
-constexpr uint64_t kInfinity64 = 0x7FF0000000000000;
 
 using Kernel64 = F64x2 (*)(F64x2 x, F64x2 y);
 

@@ -46,6 +46,11 @@ inline constexpr uint32_t kSeedBias = 0x57F00000;       // re-biases the binary3
 inline constexpr uint32_t kExponentUnit = 0x00100000;   // one unit of a high word's exponent
 inline constexpr uint32_t kEvenExponent = 0xFFE00000;   // high word's exponent, lowest bit cleared
 
+// A positive denormal times 2^54 is normal, and its root (reciprocal root)
+// scales back by 2^27 exactly.
+inline constexpr double kDenormalScale64 = doubleFromBits(0x4350000000000000);    // 2^54
+inline constexpr double kDenormalUnscale64 = doubleFromBits(0x41A0000000000000);  // 2^27
+
 // Four doubles, the width of one rsqrtps: lanes 0-1 in a, lanes 2-3 in b.
 struct F64x2x2 {
     F64x2 a, b;
@@ -57,9 +62,7 @@ inline F64x2x2 rsqrtSeed64(F64x2x2 x) {
     // gather those four words into one vector.
     I32x4 shiftedA = shr64<29>(bitsOf(x.a));
     I32x4 shiftedB = shr64<29>(bitsOf(x.b));
-    I32x4 fields = {_mm_castps_si128(_mm_shuffle_ps(_mm_castsi128_ps(shiftedA.v),
-                                                    _mm_castsi128_ps(shiftedB.v),
-                                                    _MM_SHUFFLE(2, 0, 2, 0)))};
+    I32x4 fields = evenLanes(shiftedA, shiftedB);
     // An odd exponent gives m = 1.f, an even one 2 * 1.f.
     I32x4 m = add32((fields & splat32(kSeedFieldMask)) ^ splat32(kSeedParityBit), splat32(kSeedOne));
     I32x4 s = bitsOf(rsqrt(asF32x4(m)));
@@ -68,9 +71,8 @@ inline F64x2x2 rsqrtSeed64(F64x2x2 x) {
     I32x4 halfExponent = shr32<1>(sub32(highWords(x.a, x.b), splat32(kExponentUnit)) & splat32(kEvenExponent));
     I32x4 high = sub32(add32(shr32<3>(s), splat32(kSeedBias)), halfExponent);
     // Each high word over a zero low word.
-    __m128i zero = _mm_setzero_si128();
-    return {asF64x2(I32x4{_mm_unpacklo_epi32(zero, high.v)}),
-            asF64x2(I32x4{_mm_unpackhi_epi32(zero, high.v)})};
+    I32x4 zero = splat32(0);
+    return {asF64x2(unpackLo32(zero, high)), asF64x2(unpackHi32(zero, high))};
 }
 
 // The binomial series, evaluated by Horner's rule from the highest term

@@ -106,12 +106,12 @@ float sqrtElement32(float x, StatusVar& status) {
     uint32_t b = bitsOf(x);
     if (passesPositiveNormal32(b)) return lane0(Kernel(splat(x)).result) * 1.0f;
     if ((b & kAbs32) == 0) return x;                      // +-0
-    if ((b & kAbs32) > 0x7F800000) return x * 1.0f;       // NaN, made quiet
+    if ((b & kAbs32) > kInfinity32) return x * 1.0f;       // NaN, made quiet
     if (b & kSign32) {                                    // negative, -infinity
         status.write(orvStatusDomain);
         return floatFromBits(kDefaultNaN32);
     }
-    if (b == 0x7F800000) return x;                        // +infinity
+    if (b == kInfinity32) return x;                        // +infinity
     // Positive denormal: the root of x * 2^26, times 2^-13, both exact.
     return lane0(Kernel(splat(x * kDenormalScale32)).result) * kDenormalUnscale32;
 }
@@ -137,8 +137,6 @@ OrvStatus sqrt32(const Orv32f* src, Orv32f* dst, int32_t len) {
 }
 
 // ---- binary64 ---------------------------------------------------------------
-constexpr double kDenormalScale64 = doubleFromBits(0x4350000000000000);    // 2^54
-constexpr double kDenormalUnscale64 = doubleFromBits(0x41A0000000000000);  // 2^27
 constexpr uint64_t kDefaultNaN64 = 0xFFF8000000000000;
 
 // A 64-bit tier: xe is the argument of the seed and of e, x the argument of
@@ -182,12 +180,12 @@ double sqrtElement64(double x, StatusVar& status) {
         return lane0(evaluate64<K>(v, v).a) * 1.0;
     }
     if ((b & kAbs64) == 0) return x;                          // +-0
-    if ((b & kAbs64) > 0x7FF0000000000000) return x * 1.0;    // NaN, made quiet
+    if ((b & kAbs64) > kInfinity64) return x * 1.0;    // NaN, made quiet
     if (b & kSign64) {                                        // negative, -infinity
         status.write(orvStatusDomain);
         return doubleFromBits(kDefaultNaN64);
     }
-    if (b == 0x7FF0000000000000) return x;                    // +infinity
+    if (b == kInfinity64) return x;                    // +infinity
     // Positive denormal: seed and e from x * 2^54, final products with x.
     F64x2x2 xe{splat(x * kDenormalScale64), splat(x * kDenormalScale64)};
     F64x2x2 v{splat(x), splat(x)};

@@ -207,7 +207,28 @@ const CallerState kCallerStates[] = {
     {kMxcsrDefault | kMxcsrRoundToZero | kMxcsrFtz | kMxcsrDaz, kX87Single},
     {kMxcsrDefault | kMxcsrRoundDown, kX87Double},
     {kMxcsrDefault, kX87Single | 0x0800},  // 24-bit precision, rounding up
+    {kMxcsrDefault | kMxcsrRoundUp, kX87Default | 0x0800},    // x87 rounding up
+    {kMxcsrDefault | kMxcsrRoundDown, kX87Default | 0x0400},  // x87 rounding down
+    {kMxcsrDefault, kX87Double | 0x0C00},                     // 53-bit, toward zero
 };
+
+// mixedInputs followed by random bit patterns of the whole type (finite,
+// for the most part far outside the ordinary range), where rarer paths
+// such as extended-precision element paths show what state they follow.
+std::vector<Sample> stateInputs(const ExportInfo& e, uint64_t seed) {
+    std::vector<Sample> s = mixedInputs(e, 101, seed);
+    std::mt19937_64 rng{seed};
+    int n = e.shape == Shape::K ? e.inputComponents() / 2 : e.inputComponents();
+    for (int i = 0; i < 200; ++i) {
+        Sample x = s[0];
+        for (int c = 0; c < n; ++c) {
+            uint64_t r = rng();
+            x.in[c] = e.is64() ? f64(r) : double(f32(uint32_t(r)));
+        }
+        s.push_back(x);
+    }
+    return s;
+}
 
 // Whether a guard of this mode rewrites MXCSR on entry from this state.
 bool mxcsrGuardWrites(MxcsrGuard g, uint32_t mxcsr) {
@@ -247,10 +268,11 @@ TEST_P(Conformance, RestoresMxcsrAndX87ControlWord) {
 
 // A guarded member computes the same bits whatever the caller's rounding,
 // flush-to-zero, denormals-are-zero (unless the member keeps it) and x87
-// precision and rounding.
+// precision and rounding, whether the x87 word is guarded by the frame or
+// only by the stretch of code that uses the x87.
 TEST_P(GuardedConformance, ResultsIgnoreCallerState) {
     const ExportInfo& e = member();
-    auto s = mixedInputs(e, 101, 3);
+    auto s = stateInputs(e, 3);
     const Outcome want = runPlain(e, s);
     for (const CallerState& state : kCallerStates) {
         uint32_t mxcsr = kMxcsrDefault;
@@ -258,9 +280,19 @@ TEST_P(GuardedConformance, ResultsIgnoreCallerState) {
             mxcsr = state.mxcsr;
             if (e.mxcsrGuard == MxcsrGuard::NearestKeepDaz) mxcsr &= ~kMxcsrDaz;
         }
-        uint16_t x87 = e.x87Guard != X87Guard::None ? state.x87 : kX87Default;
-        EXPECT_TRUE(runInState(e, s, mxcsr, x87) == want) << std::hex << "MXCSR 0x" << mxcsr << ", x87 0x" << x87;
+        EXPECT_TRUE(runInState(e, s, mxcsr, state.x87) == want)
+            << std::hex << "MXCSR 0x" << mxcsr << ", x87 0x" << state.x87;
     }
+}
+
+// No member follows the caller's x87 word, guarded or not: those without a
+// guard follow MXCSR only.
+TEST_P(Conformance, ResultsIgnoreCallersX87Word) {
+    const ExportInfo& e = member();
+    auto s = stateInputs(e, 4);
+    const Outcome want = runPlain(e, s);
+    for (const CallerState& state : kCallerStates)
+        EXPECT_TRUE(runInState(e, s, kMxcsrDefault, state.x87) == want) << std::hex << "x87 0x" << state.x87;
 }
 
 // ---- Status ---------------------------------------------------------------
