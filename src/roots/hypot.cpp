@@ -50,8 +50,9 @@
 //   binary32  the block leaves its top tier when the larger magnitude
 //             lies in [2^-64, 2^-62): s is normal and passes the screen
 //             while lo and the residual terms are subnormal and lose bits
-//             to gradual underflow.  The ElementPath keeps the kernel above
-//             2^-62.
+//             to gradual underflow.  The ElementPath gives the block's
+//             bits there too (wherever s passes the screen), so an element
+//             loses the same bits alone as in a block.
 //   binary64  likewise when the larger magnitude lies in [2^-512,
 //             2^-510); and a result in the subnormal range is the sum of
 //             two terms each rounded to the subnormal grid, which comes
