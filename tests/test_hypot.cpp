@@ -5,6 +5,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <random>
 #include <vector>
 
 #include "measure.h"
@@ -143,6 +144,58 @@ TEST(Hypot, Binary64OverflowAndDenormals) {
                                   {maxDouble, 0, maxDouble},
                                   {3, 0x0000000100000000, 0x0000000100000000},
                                   {0x0008000000000000, 0x7C2FFFFFFFFFFFFF, 0x7C2FFFFFFFFFFFFF}});
+}
+
+// An element outside the element screen whose sum of squares still passes
+// the block's screen takes the block formula alone too, so its result does
+// not depend on where it stands.  Each pair runs alone (a call of one) and
+// in a block of ordinary neighbours, which passes; the two reproducers at
+// 2^63 and just above 2^-62, where the extended route and the kernel round
+// apart, at every position, then random pairs around both limits of both
+// types, the smaller magnitude up to 6 binades below the larger.
+template <class T, class All>
+void expectSameAloneAndInBlock(All all, const std::vector<T>& a, const std::vector<T>& b, int block, bool everyPosition) {
+    for (size_t i = 0; i < a.size(); ++i) {
+        const auto alone = all({a[i]}, {b[i]});
+        for (int at = everyPosition ? 0 : int(i % block); at < (everyPosition ? block : int(i % block) + 1); ++at) {
+            std::vector<T> x(block, T(3)), y(block, T(4));
+            x[at] = a[i];
+            y[at] = b[i];
+            const auto inBlock = all(x, y);
+            for (size_t m = 0; m < 2; ++m)
+                ASSERT_EQ(bits(inBlock[m][at]), bits(alone[m][0]))
+                    << std::hex << "a 0x" << bits(a[i]) << ", b 0x" << bits(b[i]) << (m ? ", Abs" : ", Hypot") << " at "
+                    << at;
+        }
+    }
+}
+
+// Pairs with the larger magnitude in [2^(e-2), 2^(e+2)) and random signs.
+template <class T>
+void pairsAround(int e, int count, std::vector<T>& a, std::vector<T>& b) {
+    std::mt19937_64 rng(e + 1000);
+    std::uniform_real_distribution<double> unit(0, 1);
+    for (int i = 0; i < count; ++i) {
+        const T large = T(std::ldexp(1.0 + unit(rng), e - 2 + int(rng() % 4)));
+        const T small = T(std::ldexp(double(large), -int(rng() % 7)) * (0.5 + unit(rng) / 2));
+        a.push_back(rng() & 1 ? -large : large);
+        b.push_back(rng() & 2 ? -small : small);
+        if (rng() & 4) std::swap(a.back(), b.back());
+    }
+}
+
+TEST(Hypot, ResultIsTheSameAloneAndInAPassingBlock) {
+    expectSameAloneAndInBlock<float>(all32, {f32(0xDEFFFFFE), f32(0xA0000004)}, {f32(0xDF000000), f32(0x20800002)},
+                                     8, true);
+    std::vector<float> a, b;
+    pairsAround(63, 4000, a, b);
+    pairsAround(-62, 4000, a, b);
+    expectSameAloneAndInBlock<float>(all32, a, b, 8, false);
+    std::vector<double> a64, b64;
+    pairsAround(511, 4000, a64, b64);
+    pairsAround(-500, 4000, a64, b64);
+    pairsAround(-510, 4000, a64, b64);
+    expectSameAloneAndInBlock<double>(all64, a64, b64, 4, false);
 }
 
 // In the low band where the larger magnitude lies in [2^-64, 2^-62)

@@ -211,6 +211,27 @@ TEST(InvSqrt32, TopTierRejectedBlockTakesTheSlowRoute) {
     }
 }
 
+// The one route of the top tier where an element's result depends on its
+// neighbours, as its record declares: 0x3E8FDD2D takes the block formula
+// alone and among ordinary values, and the slow route beside a zero, a
+// negative or a denormal element, one ulp apart.
+TEST(InvSqrt32, TopTierNeighbourDependenceStaysWithinOneUlp) {
+    const float x = f32(0x3E8FDD2D);
+    const float alone = run(orvsInvSqrt_32f_A24, std::vector<float>{x})[0];
+    const float slow = float(std::sqrt(double(x)) / double(x));
+    EXPECT_EQ(bits(slow), 0x3FF17923u);
+    std::vector<float> ordinary(8, 2.0f);
+    ordinary[5] = x;
+    EXPECT_SAME_BITS(run(orvsInvSqrt_32f_A24, ordinary)[5], alone);
+    for (uint32_t other : {0x00000000u, 0xBF800000u, 0x00000001u}) {
+        std::vector<float> v = ordinary;
+        v[2] = f32(other);
+        const float beside = run(orvsInvSqrt_32f_A24, v)[5];
+        EXPECT_SAME_BITS(beside, slow) << std::hex << other;
+        EXPECT_LE(std::abs(int64_t(bits(beside)) - int64_t(bits(alone))), 1) << std::hex << other;
+    }
+}
+
 TEST(InvSqrt64, SpecialValuesAndWarnings) {
     std::vector<double> v = {0.25, -0.0, kInf, f64(0x7FF0000000000001), 0.25, -3.0, 0.0, 0.25};
     for (Fn64 fn : kInvSqrt64) {

@@ -45,7 +45,10 @@
 // x*1.0 so that a signalling NaN raises invalid.  A26 raises the flags of
 // its warnings with raiseFpFlags64 (divide by zero, invalid); A50 and A53
 // store the constants with no flag.  A positive denormal is scaled by 2^52
-// and 52*log(2) taken off just before the big term; it never warns.
+// and 52*log(2) taken off just before the big term, so it gives a finite
+// logarithm and no warning; except in A26 when the caller has set
+// denormals-are-zero, which A26 follows (see Frames): there it reads as
+// zero, giving -inf and orvStatusSingularity.
 //
 // Frames.  A50, A53: PointersFirstFrame, guard nearest.  A26:
 // LengthFirstFrame, only the x87 control word guarded (53-bit precision,

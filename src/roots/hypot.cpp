@@ -31,8 +31,10 @@
 // strictly between those of 2^-500 and 2^511 (binary64) take the kernel
 // directly.  Otherwise: an infinite operand gives +infinity even beside a
 // NaN; a NaN gives a NaN made quiet (b's when both are NaN; binary32 clears
-// its sign); a zero operand gives the magnitude of the other.  The rest of
-// binary32 is a*a + b*b and its root in x87 extended arithmetic, whose
+// its sign); a zero operand gives the magnitude of the other.  Finite
+// operands whose s passes the block's screen take the kernel too, so that
+// an element gets the same bits alone as inside a passing block.  The rest
+// of binary32 is a*a + b*b and its root in x87 extended arithmetic, whose
 // exponent range has room for both squares, rounded once to binary32, under
 // an x87 mode of its own (64-bit precision, to nearest).  The
 // rest of binary64 runs the kernel on operands scaled by a power of two
@@ -48,8 +50,9 @@
 //   binary32  the block leaves its top tier when the larger magnitude
 //             lies in [2^-64, 2^-62): s is normal and passes the screen
 //             while lo and the residual terms are subnormal and lose bits
-//             to gradual underflow.  The ElementPath keeps the kernel above
-//             2^-62.
+//             to gradual underflow.  The ElementPath gives the block's
+//             bits there too (wherever s passes the screen), so an element
+//             loses the same bits alone as in a block.
 //   binary64  likewise when the larger magnitude lies in [2^-512,
 //             2^-510); and a result in the subnormal range is the sum of
 //             two terms each rounded to the subnormal grid, which comes
@@ -157,7 +160,14 @@ float hypotElement32(float a, float b) {
     if (B >= kInfinity32) return B == kInfinity32 ? floatFromBits(kInfinity32) : absB * 1.0f;
     if (A == 0) return absB;
     if (B == 0) return absA;
-    return x87Hypot(absA, absB);
+    // Outside the operands' screen the sum of squares may still pass the
+    // block's screen (an operand at 2^63 beside a smaller one, or one below
+    // 2^-62 beside one above): such an element takes the kernel, as it
+    // would in a passing block, so that its result does not depend on
+    // where it stands.  Only a sum the block rejects goes the x87 route.
+    int fail = 0;
+    float r = lane0(hypotGroup32(splat(absA), splat(absB), fail));
+    return fail ? x87Hypot(absA, absB) : r;
 }
 
 // ---- binary64 kernel --------------------------------------------------------
@@ -231,9 +241,9 @@ inline bool insideKernel64(uint32_t highMagnitude) {
 
 double hypotElement64(double a, double b) {
     uint64_t A = bitsOf(a) & kAbs64, B = bitsOf(b) & kAbs64;
-    int unused = 0;
+    int fail = 0;
     if (insideKernel64(uint32_t(A >> 32)) && insideKernel64(uint32_t(B >> 32))) {
-        Root64 r = hypotKernel64({splat(a), splat(a)}, {splat(b), splat(b)}, unused).a;
+        Root64 r = hypotKernel64({splat(a), splat(a)}, {splat(b), splat(b)}, fail).a;
         return lane0(r.small + r.large);
     }
     if (A >= kInfinity64) {
@@ -243,6 +253,12 @@ double hypotElement64(double a, double b) {
     if (B >= kInfinity64) return B == kInfinity64 ? doubleFromBits(kInfinity64) : b * 1.0;
     if (A == 0) return doubleFromBits(B);
     if (B == 0) return doubleFromBits(A);
+    // A sum of squares that passes the block's screen takes the kernel
+    // unscaled, as in a passing block: scaling would keep bits the block
+    // loses to subnormal terms near 2^-511, and the result would depend on
+    // where its element stands.
+    Root64 direct = hypotKernel64({splat(a), splat(a)}, {splat(b), splat(b)}, fail).a;
+    if (!fail) return lane0(direct.small + direct.large);
     // Scale by a power of two chosen by the larger magnitude.
     uint64_t larger = A > B ? A : B;
     double scale, unscale;
@@ -261,7 +277,7 @@ double hypotElement64(double a, double b) {
         unscale = doubleFromBits(exponent);
     }
     double as = a * scale, bs = b * scale;
-    Root64 r = hypotKernel64({splat(as), splat(as)}, {splat(bs), splat(bs)}, unused).a;
+    Root64 r = hypotKernel64({splat(as), splat(as)}, {splat(bs), splat(bs)}, fail).a;
     return lane0(r.small * splat(unscale) + r.large * splat(unscale));
 }
 
@@ -470,7 +486,7 @@ ORV_RECORDS(
      .peerVectors = "hypot"},
     {.member = "orvsHypot_64f_A53",
      .maxUlp = 0.99999999,
-     .worst = {-0x1.7dbf1280b663fp-1021, -0x1.c3a649f5905d4p-1022},
+     .worst = {0x1.0357be2bd089cp-510, -0x1.ab74eb7ece09cp-511},
      .ranges = ranges64(),
      .exclusions = lowBand(0x1p-512, 0x1p-510),
      .peerVectors = "hypot"},
