@@ -91,12 +91,15 @@ constexpr uint64_t kExponent64 = 0x7FF0000000000000;
 
 // ---- A11 and A26: the plain formula ---------------------------------------------
 
-// (ca - db, cb + da) for each complex pair: x holds (a, b), y holds (c, d).
+// (ac - bd, bc + ad) for each complex pair: x holds (a, b), y holds (c, d).
+// The products keep x's part first, so where both factors are NaN the
+// result is the first operand's NaN in every copy of this formula (GCC may
+// otherwise swap the factors differently in the rounds and in the tail).
 inline F32x4 plainProduct(F32x4 x, F32x4 y) {
-    return addSub(duplicateEven(y) * x, duplicateOdd(y) * swapPairs(x));
+    return addSub(mulOrdered(x, duplicateEven(y)), mulOrdered(swapPairs(x), duplicateOdd(y)));
 }
 inline F64x2 plainProduct(F64x2 x, F64x2 y) {
-    return addSub(unpackLo(y, y) * x, unpackHi(y, y) * swapLanes(x));
+    return addSub(mulOrdered(x, unpackLo(y, y)), mulOrdered(swapLanes(x), unpackHi(y, y)));
 }
 
 // MulByConj on separated parts: (ac + bd, bc - ad), lane-wise.
@@ -106,7 +109,7 @@ struct Parts {
 };
 template <class V>
 inline Parts<V> plainConjProduct(V a, V b, V c, V d) {
-    return {a * c + b * d, b * c - a * d};
+    return {addOrdered(mulOrdered(a, c), mulOrdered(b, d)), mulOrdered(b, c) - mulOrdered(a, d)};
 }
 
 // 32fc Mul A11: the loop with a peel to align dst.  dst at 8 modulo 16 peels

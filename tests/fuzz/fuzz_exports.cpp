@@ -23,6 +23,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <random>
 #include <vector>
 
@@ -36,9 +37,32 @@ namespace {
 
 constexpr int kMaxLen = 300;
 
-[[noreturn]] void fail(const ExportInfo& e, const char* what, int len, int index = -1) {
-    std::fprintf(stderr, "fuzz_exports: %s: %s (len %d, element %d)\n", e.name.c_str(), what, len, index);
+[[noreturn]] void fail(const ExportInfo& e, const char* what, int len, int index = -1, const std::string& detail = "") {
+    std::fprintf(stderr, "fuzz_exports: %s: %s (len %d, element %d)%s\n", e.name.c_str(), what, len, index,
+                 detail.c_str());
     std::abort();
+}
+
+// The element's inputs, the caller's state and two results' bytes, for a
+// failure message.
+std::string describe(const Sample& x, int components, uint32_t mxcsr, uint16_t x87, const unsigned char* a,
+                     const unsigned char* b, size_t width) {
+    std::string out = "\n  input";
+    char buf[64];
+    for (int c = 0; c < components; ++c) {
+        std::snprintf(buf, sizeof buf, " %a", x.in[c]);
+        out += buf;
+    }
+    std::snprintf(buf, sizeof buf, "\n  MXCSR 0x%04X, x87 0x%04X", unsigned(mxcsr), unsigned(x87));
+    out += buf;
+    for (const unsigned char* r : {a, b}) {
+        out += "\n  bytes";
+        for (size_t k = 0; k < width; ++k) {
+            std::snprintf(buf, sizeof buf, " %02X", r[k]);
+            out += buf;
+        }
+    }
+    return out;
 }
 
 // An array between two inaccessible pages, flush against one of them, the
@@ -235,12 +259,14 @@ void fuzzOne(FuzzedDataProvider& in) {
         const Alone here = alone(s[i], state);
         if (here.status != orvStatusOk) lastWarning = here.status;
         if (!positionDependent && !sameResult(here, out1 + i * width, out2 ? out2 + i * width : nullptr))
-            fail(e, "element differs from the element alone", len, i);
+            fail(e, "element differs from the element alone", len, i,
+                 describe(s[i], nc, state.mxcsr, state.x87, here.r1, out1 + i * width, width));
         if (e.hasGuard()) {
             const Alone guarded = alone(s[i], guardedView(e, state));
             const Alone plain = alone(s[i], kStates[0]);
             if (guarded.status != plain.status || !sameResult(guarded, plain.r1, out2 ? plain.r2 : nullptr))
-                fail(e, "guarded result depends on the caller's state", len, i);
+                fail(e, "guarded result depends on the caller's state", len, i,
+                     describe(s[i], nc, state.mxcsr, state.x87, guarded.r1, plain.r1, width));
         }
     }
     if (record && record->warningsByKind) {
