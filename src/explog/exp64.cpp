@@ -59,10 +59,12 @@
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "frame/simd.h"
+#include "explog/exp64_reduction.h"
 #include "tables/exp2_tables.h"
 
 namespace orv {
 namespace {
+using namespace expReduction;
 
 // ---- Constants ----------------------------------------------------------
 
@@ -77,22 +79,14 @@ constexpr uint64_t kZeroLimit = 0xC0874910D52D3052;  // -745.1332191019412
 constexpr uint64_t kPosInf64 = 0x7FF0000000000000;
 constexpr uint64_t kNegInf64 = 0xFFF0000000000000;
 constexpr uint64_t kAllOnes64 = 0xFFFFFFFFFFFFFFFF;
-constexpr uint64_t kExponentMask64 = 0x7FF0000000000000;
 constexpr uint64_t kOne64 = 0x3FF0000000000000;
 constexpr int kTopN = 1024;
 constexpr double kTwoTo1023 = doubleFromBits(0x7FE0000000000000);
 constexpr double kTwoToMinus1022 = doubleFromBits(0x0010000000000000);
 constexpr double kTwo64 = 2.0;
 
-constexpr double kShifter = doubleFromBits(0x4338000000000000);  // 6755399441055744 = 1.5*2^52
 
 // A26, A50: L = 7.
-constexpr double kInvLn2x128 = doubleFromBits(0x40671547652B82FE);  // 184.6649652337873 = 128/ln 2
-constexpr uint64_t kBias128 = 0x1FF80;  // 1023*128: (k + bias) << 45 puts n + 1023 in the field
-constexpr uint64_t kIndexMask128 = 127;
-constexpr double kLn2by128 = doubleFromBits(0x3F762E42FEFA39EF);    // 0.0054152123481245725
-constexpr double kLn2by128Hi = doubleFromBits(0x3F762E42FEE00000);  // 0.00541521234663378
-constexpr double kLn2by128Lo = doubleFromBits(0x3D7A39EF35793C76);  // 1.4907929134926466e-12
 // ---- begin fit_exp64_a50: printed by fit_exp64_a50.sollya; edit the script, not here
 // A50: e^r - 1 ~ (((c4 r + c3) r + c2) r) r + r on |r| <= ln2/256; 1 + p
 // differs from e^r by 3.04e-16 = 2^-51.55 relative.
@@ -102,11 +96,6 @@ constexpr double kA50C4 = doubleFromBits(0x3FA55555C2A9C0FA);  // 0.041666679394
 // ---- end fit_exp64_a50
 
 // A53: L = 6.
-constexpr double kInvLn2x64 = doubleFromBits(0x40571547652B82FE);  // 92.33248261689366 = 64/ln 2
-constexpr uint64_t kBias64 = 0xFFC0;  // 1023*64: (k + bias) << 46 puts n + 1023 in the field
-constexpr uint64_t kIndexMask64 = 63;
-constexpr double kLn2by64Hi = doubleFromBits(0x3F862E42FEF00000);  // 0.010830424695086549
-constexpr double kLn2by64Lo = doubleFromBits(0x3D7473DE6AF278ED);  // 1.162596423439437e-12
 // ---- begin fit_exp64_a53: printed by fit_exp64_a53.sollya; edit the script, not here
 // e^r - 1 ~ r + (((c5 r + c4) r + c3) r + c2) r^2 on |r| <= ln2/128; 1 + p
 // differs from e^r by 1.49e-18 = 2^-59.22 relative.
