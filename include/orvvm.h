@@ -227,6 +227,21 @@ ORVVM_API OrvStatus orvsLog10_64f_A26(const Orv64f* src, Orv64f* dst, int32_t le
 ORVVM_API OrvStatus orvsLog10_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsLog10_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
 
+/* ---- Logarithm of one plus x -------------------------------------------
+ * Log1p: dst[i] = ln(1 + src[i]), with full relative accuracy near 0 (tiny
+ * and subnormal x give x).  Shape U.  Arguments checked len, then src, dst;
+ * the x87 control word is held at double precision for the call, MXCSR is
+ * the caller's.  Warnings, each with its IEEE flag: orvStatusSingularity
+ * for x = -1 (result -inf), orvStatusDomain for x below -1 or -inf (result
+ * the default NaN, 0xFFC00000 or 0xFFF8000000000000).  +inf gives +inf, -0
+ * gives -0, a NaN gives that NaN made quiet, with no warning. */
+ORVVM_API OrvStatus orvsLog1p_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog1p_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog1p_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog1p_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog1p_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog1p_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
 /* ---- Division and reciprocal -------------------------------------------
  * Real members.  The lower tiers avoid the hardware division: A11 uses the
  * processor's approximate reciprocal (rcpps, about 12 bits) and A21 adds
