@@ -250,12 +250,15 @@ inline bool passes(I32x4 differences) { return signMask32(differences) == 0xF; }
 
 struct Tier26 {
     static F64x2 value(F64x2 x) { return withSignOf(expm1Kernel128<3>(x), x); }
-    // Near overflow only: 2^n T_j (1 + p) with n = 1024.
+    // Near overflow only (x at or above the screen, which the block never
+    // takes): 2^n T_j (1 + p), ln2/128 in two parts here, since the one-term
+    // step's rounded C makes r = 0 at the last double below the overflow
+    // limit (131072 C is x itself) and the result would overflow.
     static double top(double x) {
         F64x2 v = splat(x);
         F64x2 sum = v * splat(kInvLn2x128) + splat(kShifter);
         F64x2 kf = sum - splat(kShifter);
-        F64x2 r = v - kf * splat(kLn2by128);
+        F64x2 r = (v - kf * splat(kLn2by128Hi)) - kf * splat(kLn2by128Lo);
         double p = lane0(r + (r * r) * q128<3>(r));
         double t = doubleFromBits(tables::kExp2Fraction64[lane0of64(bitsOf(sum)) & kIndexMask128] | kOne64);
         int32_t n = int32_t(uint32_t(lane0of64(bitsOf(sum)))) >> 7;
