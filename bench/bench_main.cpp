@@ -106,6 +106,11 @@ const char* inputName(Input in) { return in == Input::Ordinary ? "ordinary" : "s
 
 // ---- The groups and the benchmarks -----------------------------------------
 
+// The constants a real K member is timed at.
+const double kBenchConstants[] = {2.0, 0.5, 3.7, -1.3};
+
+void addToGroup(const ExportInfo* e, const Range& range);
+
 void buildGroups() {
     std::optional<std::regex> only;
     if (!options.members.empty()) only.emplace(options.members);
@@ -116,27 +121,50 @@ void buildGroups() {
             std::fprintf(stderr, "%s: no accuracy record, so no ordinary range: not timed\n", e->name.c_str());
             continue;
         }
-        const Range& range = record->ranges.front();
-        Group* g = nullptr;
-        int sameKind = 0;
-        for (Group& candidate : groups) {
-            const ExportInfo& first = *candidate.members.front();
-            if (first.family != e->family || first.type != e->type) continue;
-            ++sameKind;
-            if (candidate.range.bounds == range.bounds) g = &candidate;
+        // A real K member is timed at a few fixed constants, since its cost
+        // depends on the constant (small integers may be multiplied out):
+        // one group per constant, the source from the ordinary range.
+        std::vector<Range> ranges = {record->ranges.front()};
+        if (e->shape == orvtest::Shape::K && !e->isComplex()) {
+            ranges.clear();
+            for (double c : kBenchConstants) {
+                Range r = record->ranges.front();
+                r.bounds[2] = r.bounds[3] = c;
+                ranges.push_back(r);
+            }
         }
-        if (!g) {
-            std::string name = e->family + "_" + e->typeTag;
-            if (sameKind) name += "_r" + std::to_string(sameKind + 1);
-            groups.push_back({name, range, {}, {}});
-            g = &groups.back();
+        for (const Range& range : ranges) {
+            addToGroup(e, range);
         }
-        g->members.push_back(e);
-        for (Alternative& a : alternativesFor(*e)) {
-            bool known = false;
-            for (const Alternative& b : g->alternatives) known |= b.kind == a.kind && b.label == a.label;
-            if (!known) g->alternatives.push_back(std::move(a));
+    }
+}
+
+void addToGroup(const ExportInfo* e, const Range& range) {
+    Group* g = nullptr;
+    int sameKind = 0;
+    for (Group& candidate : groups) {
+        const ExportInfo& first = *candidate.members.front();
+        if (first.family != e->family || first.type != e->type) continue;
+        ++sameKind;
+        if (candidate.range.bounds == range.bounds) g = &candidate;
+    }
+    if (!g) {
+        std::string name = e->family + "_" + e->typeTag;
+        if (e->shape == orvtest::Shape::K && !e->isComplex()) {
+            char c[32];
+            std::snprintf(c, sizeof c, "_y%g", range.lo(1));
+            name += c;
+        } else if (sameKind) {
+            name += "_r" + std::to_string(sameKind + 1);
         }
+        groups.push_back({name, range, {}, {}});
+        g = &groups.back();
+    }
+    g->members.push_back(e);
+    for (Alternative& a : alternativesFor(*e)) {
+        bool known = false;
+        for (const Alternative& b : g->alternatives) known |= b.kind == a.kind && b.label == a.label;
+        if (!known) g->alternatives.push_back(std::move(a));
     }
 }
 

@@ -242,6 +242,35 @@ ORVVM_API OrvStatus orvsLog1p_64f_A26(const Orv64f* src, Orv64f* dst, int32_t le
 ORVVM_API OrvStatus orvsLog1p_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsLog1p_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
 
+/* ---- Powers ---------------------------------------------------------------
+ * Pow: dst[i] = src1[i] raised to src2[i].  Shape B.
+ * Powx: dst[i] = src[i] raised to constant.  Shape K.
+ * Special values as C99 pow: y = +-0 or x = +1 gives 1.0 even with a NaN
+ * partner, and so does x = -1 with y = +-inf; otherwise a NaN operand is
+ * returned bit for bit (x's first).  A negative finite x with a finite
+ * non-integer y gives a NaN (0xFFC00000, 0xFFF8000000000000) and a zero x
+ * with a negative y gives an infinity (-inf for x = -0 and odd y); both warn
+ * orvStatusDomain and raise the invalid flag.  That is the only warning:
+ * overflow and underflow store the infinity, zero or denormal with no
+ * status.  The 64f A26 members check len first, then the pointers, and run
+ * in the caller's MXCSR modes; the others check dst, the sources, then len,
+ * in round to nearest with denormals honoured.  The three 32f Pow tiers are
+ * one routine; so are Powx 32f A11 and A21.  Powx multiplies out y = 2
+ * (every member but 64f A26) and y = 3, 4 (32f A11, A21, 64f A50) with no
+ * special-value logic and no status. */
+ORVVM_API OrvStatus orvsPow_32f_A11(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow_32f_A21(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow_32f_A24(const Orv32f* src1, const Orv32f* src2, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow_64f_A26(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow_64f_A50(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow_64f_A53(const Orv64f* src1, const Orv64f* src2, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPowx_32f_A11(const Orv32f* src, Orv32f constant, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPowx_32f_A21(const Orv32f* src, Orv32f constant, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPowx_32f_A24(const Orv32f* src, Orv32f constant, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPowx_64f_A26(const Orv64f* src, Orv64f constant, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPowx_64f_A50(const Orv64f* src, Orv64f constant, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPowx_64f_A53(const Orv64f* src, Orv64f constant, Orv64f* dst, int32_t len);
+
 /* ---- Division and reciprocal -------------------------------------------
  * Real members.  The lower tiers avoid the hardware division: A11 uses the
  * processor's approximate reciprocal (rcpps, about 12 bits) and A21 adds

@@ -206,4 +206,11 @@ inline I32x4 highWords(F64x2 a, F64x2 b) {
         _mm_shuffle_ps(_mm_castpd_ps(a.v), _mm_castpd_ps(b.v), _MM_SHUFFLE(3, 1, 3, 1)))};
 }
 
+// Low words of four doubles, in element order, in one vector: where the
+// shifter tricks leave their integers.
+inline I32x4 lowWords(F64x2 a, F64x2 b) {
+    return {_mm_castps_si128(
+        _mm_shuffle_ps(_mm_castpd_ps(a.v), _mm_castpd_ps(b.v), _MM_SHUFFLE(2, 0, 2, 0)))};
+}
+
 }  // namespace orv

@@ -352,6 +352,21 @@ std::vector<Sample> specialSamples(const ExportInfo& e) {
         for (double a : values)
             for (double b : values) out.push_back(Sample{{a, b}});
     if (e.shape == Shape::K) {
+        // The constant is one value per call, and members may take paths of
+        // their own for some of its values (small integers multiplied out,
+        // a NaN or infinite constant sent through the ElementPath): beyond
+        // the special values above, odd and even integers of both signs,
+        // half-integers and ordinary fractions, each against every special
+        // value of the source.
+        const double constants[] = {3.0, 4.0, -2.0, -3.0, 1.5, -2.5, 0.25, 3.7, -1.3, 1e-3};
+        const int cv = nc / 2;
+        for (double k : constants)
+            for (double v : values) {
+                Sample s;
+                for (int c = 0; c < cv; ++c) s.in[c] = c == 0 ? v : 0.0;
+                for (int c = cv; c < nc; ++c) s.in[c] = c == cv ? toType(k, is64) : 0.0;
+                out.push_back(s);
+            }
         // Group by constant so that one call holds one constant.
         std::stable_sort(out.begin(), out.end(), [&](const Sample& a, const Sample& b) {
             return orderedKey(a.in[nc - 1], is64) < orderedKey(b.in[nc - 1], is64) ||
