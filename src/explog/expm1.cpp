@@ -46,7 +46,10 @@
 //     scaled by 2^1023 and then by 2 (the -1 is far below its ulp); x <=
 //     -708.39: -1, the correctly rounded value (e^x < 2^-1000).
 // The guard holds the x87 control word at double precision for the call;
-// the kernels use SSE only, so MXCSR stays as the caller set it.
+// the kernels use SSE only, so MXCSR stays as the caller set it: k is
+// forced to 0 where |x 2^L/ln2| < 1/2, which round to nearest does anyway,
+// so that a directed rounding mode cannot move x next to 0 off the k = 0
+// path into a cancellation.
 //
 // Tables: kExp2Fraction64 and kExp2HeadTail64 of src/tables/exp2_tables.h
 // (gen_exp2_tables.cpp), shared with Exp.
@@ -95,6 +98,17 @@ inline F64x2 powerOfTwo(I32x4 sumBits, uint64_t bias) {
     return asF64x2(shl64<kShift>(add64(sumBits, splat64(bias))) & splat64(kExponentMask64));
 }
 
+// The shifted sum x 2^L/ln2 + 1.5*2^52, with k forced to 0 where
+// |x 2^L/ln2| < 1/2.  In round to nearest the addition gives k = 0 there
+// anyway, so this changes no result; in the caller's directed rounding
+// modes (MXCSR is not guarded here) it would give k = +-1 for x next to 0,
+// and the result would cancel against 1.  So next to 0 the result stays
+// the polynomial in r = x, in every mode.
+inline F64x2 shiftedSum(F64x2 t) {
+    F64x2 nearZero = cmpLt(andNot(t, asF64x2(splat64(kSign64))), splat(0.5));
+    return select(nearZero, splat(kShifter), t + splat(kShifter));
+}
+
 // L = 7 kernels (32f tiers and A26): q by degree.
 template <int kDegree>
 inline F64x2 q128(F64x2 r) {
@@ -104,7 +118,7 @@ inline F64x2 q128(F64x2 r) {
 }
 template <int kDegree>
 inline F64x2 expm1Kernel128(F64x2 x) {
-    F64x2 sum = x * splat(kInvLn2x128) + splat(kShifter);
+    F64x2 sum = shiftedSum(x * splat(kInvLn2x128));
     F64x2 kf = sum - splat(kShifter);
     F64x2 r = x - kf * splat(kLn2by128);
     F64x2 p = r + (r * r) * q128<kDegree>(r);
@@ -122,7 +136,7 @@ struct Reduced64 {
     I32x4 sumBits;
 };
 inline Reduced64 reduce64(F64x2 x) {
-    F64x2 sum = x * splat(kInvLn2x64) + splat(kShifter);
+    F64x2 sum = shiftedSum(x * splat(kInvLn2x64));
     F64x2 kf = sum - splat(kShifter);
     F64x2 rh = x - kf * splat(kLn2by64Hi);
     F64x2 rl = zeroF64x2() - kf * splat(kLn2by64Lo);
