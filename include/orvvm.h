@@ -180,6 +180,22 @@ ORVVM_API OrvStatus orvsExp_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len)
 ORVVM_API OrvStatus orvsExp_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsExp_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
 
+/* ---- Exponential minus one ---------------------------------------------
+ * Expm1: dst[i] = e^src[i] - 1, with full relative accuracy near 0 (tiny
+ * and subnormal x give x).  Shape U.  Arguments checked len, then src, dst;
+ * the x87 control word is held at double precision for the call, MXCSR is
+ * the caller's.  Warning: orvStatusOverflow, with the IEEE overflow and
+ * inexact flags, for a finite x at or above 88.72283935546875 (32f) or
+ * 709.7827128933841 (64f); the result is +inf.  Large negative x gives -1,
+ * -inf gives -1 and +inf gives +inf, with no warning; -0 gives -0; a NaN
+ * gives that NaN made quiet. */
+ORVVM_API OrvStatus orvsExpm1_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsExpm1_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsExpm1_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsExpm1_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsExpm1_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsExpm1_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
 /* ---- Roots and norms ---------------------------------------------------
  * Square root, reciprocal square root, hypotenuse and complex magnitude,
  * by multiplications on the processor's 12-bit reciprocal square root
@@ -260,6 +276,21 @@ ORVVM_API OrvStatus orvsLog10_32f_A24(const Orv32f* src, Orv32f* dst, int32_t le
 ORVVM_API OrvStatus orvsLog10_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsLog10_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsLog10_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
+/* ---- Logarithm of one plus x -------------------------------------------
+ * Log1p: dst[i] = ln(1 + src[i]), with full relative accuracy near 0 (tiny
+ * and subnormal x give x).  Shape U.  Arguments checked len, then src, dst;
+ * the x87 control word is held at double precision for the call, MXCSR is
+ * the caller's.  Warnings, each with its IEEE flag: orvStatusSingularity
+ * for x = -1 (result -inf), orvStatusDomain for x below -1 or -inf (result
+ * the default NaN, 0xFFC00000 or 0xFFF8000000000000).  +inf gives +inf, -0
+ * gives -0, a NaN gives that NaN made quiet, with no warning. */
+ORVVM_API OrvStatus orvsLog1p_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog1p_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog1p_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog1p_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog1p_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog1p_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
 
 /* ---- Powers ---------------------------------------------------------------
  * Pow: dst[i] = src1[i] raised to src2[i].  Shape B.

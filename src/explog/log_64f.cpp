@@ -60,41 +60,18 @@
 // 0x00100001..0x7FEFFFFF.
 //
 // Tables: src/tables/log_tables_64f.h, from gen_log_tables_64f.cpp.
+#include "explog/log64_reduction.h"
 #include "explog/log_common.h"
 
 namespace orv {
 namespace {
 
 using namespace logs;
+using namespace logs64;
 
-constexpr uint64_t kFraction64 = 0x000FFFFFFFFFFFFF;
-constexpr uint64_t kOneBits64 = 0x3FF0000000000000;        // 1.0
 constexpr double kTwoTo52 = doubleFromBits(0x4330000000000000);
 
-// High word at which the exponent moves up by one: fraction 0x7FC00, the
-// first whose row is 256.
-constexpr uint32_t kMovedExponentEdge = 0x3FE7FC00;
-constexpr uint32_t kPlainExponentEdge = 0x3FF00000;
-
 #ifndef ORVVM_RECORDS
-// Top ten fraction bits of the high word rounded to nine: the row 0..512,
-// as the byte offset of the row in a table of Row.
-template <class Row>
-inline RowPair rowOf512(I32x4 bits) {
-    static_assert(sizeof(Row) == 16 || sizeof(Row) == 32);
-    constexpr int kShift = sizeof(Row) == 16 ? 7 : 6;  // 11 less log2 of the row size
-    return rowNumbers(
-        shr32<kShift>(add32(bits & splat32(0x000FFC00), splat32(0x400)) & splat32(0x001FF800)));
-}
-// The exponent of the high word relative to an edge, as a double.
-inline F64x2 exponentFrom(I32x4 bits, uint32_t edge) {
-    return highWordIntToDouble(sar32<20>(sub32(bits, splat32(edge))));
-}
-// m: x with the exponent field of 1.0, in [1, 2).
-inline I32x4 fractionAsOne(I32x4 bits) {
-    return (bits & splat64(kFraction64)) | splat64(kOneBits64);
-}
-
 // The A26 screen: (high word - 0x00100001), unsigned, below 0x7FDFFFFF.
 // SSE has only signed compares, so both sides are moved by 2^31.
 inline int screen26(F64x2 a, F64x2 b) {
