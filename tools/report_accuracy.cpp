@@ -264,6 +264,7 @@ int printRecords() {
         if (!r.sameAs.empty()) add("one computation with `" + r.sameAs + "`");
         if (r.positionDependent()) add("position-dependent");
         if (r.warningsByKind) add("warnings by kind");
+        if (!r.quietBlocksWhy.empty()) add("no warning from passing blocks");
         std::printf("| `%s` | %s | %.7g | %s | %s | %s | `src/%s` |\n", r.member.c_str(), tierBound(e).describe().c_str(),
                     r.maxUlp, input(r.worst, e.is64()).c_str(), box(r.ranges[0]).c_str(), traits.c_str(), r.file.c_str());
     }

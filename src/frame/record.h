@@ -52,6 +52,9 @@
 //               suites hold the two to equal bits.
 //   peerVectors the C function whose correctly rounded test vectors (glibc's
 //               file of that name) check the member's reference, if any.
+//   quietBlocks why a block that passes the screen may report no warning
+//               for an element that warns alone (the results are the same
+//               in every path; only the status is not written there).
 #pragma once
 
 #ifndef ORVVM_RECORDS
@@ -145,6 +148,7 @@ struct Member {
     bool warningsByKind = false;
     const char* sameAs = nullptr;
     const char* peerVectors = nullptr;
+    const char* quietBlocks = nullptr;
 };
 
 // Hands a file's records to the test support (defined there).

@@ -93,6 +93,7 @@ std::vector<AccuracyRecord> load() {
         r.warningsByKind = m.warningsByKind;
         if (m.sameAs) r.sameAs = m.sameAs;
         if (m.peerVectors) r.peerVectors = m.peerVectors;
+        if (m.quietBlocks) r.quietBlocksWhy = m.quietBlocks;
         check(r);
         r.indexExclusions();
         records.push_back(std::move(r));

@@ -45,6 +45,10 @@ struct AccuracyRecord {
     std::string positionWhy;
     double positionMaxUlp = 0;
     bool warningsByKind = false;  // group passes write a rejected block's warnings by kind
+    // Why a passing block may leave out a warning that its elements give
+    // alone; empty for the members whose status is the last warning of the
+    // elements computed alone.
+    std::string quietBlocksWhy;
     std::string sameAs;           // a member that is one computation with this one
     std::string peerVectors;      // the C function of glibc's test vectors for the reference
 

@@ -255,9 +255,15 @@ void fuzzOne(FuzzedDataProvider& in) {
         return std::memcmp(x.r1, p1, width) == 0 && (!p2 || std::memcmp(x.r2, p2, width) == 0);
     };
     OrvStatus lastWarning = orvStatusOk;
+    std::string warnings;  // the elements that warn alone, for a failure message
     for (int i = 0; i < len; ++i) {
         const Alone here = alone(s[i], state);
-        if (here.status != orvStatusOk) lastWarning = here.status;
+        if (here.status != orvStatusOk) {
+            lastWarning = here.status;
+            char buf[96];
+            std::snprintf(buf, sizeof buf, "\n  element %d (%a) alone: %d", i, s[i].in[0], int(here.status));
+            warnings += buf;
+        }
         if (!positionDependent && !sameResult(here, out1 + i * width, out2 ? out2 + i * width : nullptr))
             fail(e, "element differs from the element alone", len, i,
                  describe(s[i], nc, state.mxcsr, state.x87, here.r1, out1 + i * width, width));
@@ -269,10 +275,13 @@ void fuzzOne(FuzzedDataProvider& in) {
                      describe(s[i], nc, state.mxcsr, state.x87, guarded.r1, plain.r1, width));
         }
     }
-    if (record && record->warningsByKind) {
+    if (record && (record->warningsByKind || !record->quietBlocksWhy.empty())) {
         if (status != orvStatusOk && lastWarning == orvStatusOk) fail(e, "a warning no element gives alone", len);
     } else if (!positionDependent && status != lastWarning) {
-        fail(e, "status is not the last warning of the elements", len);
+        char buf[96];
+        std::snprintf(buf, sizeof buf, "\n  call status %d, MXCSR 0x%04X, x87 0x%04X", int(status),
+                      unsigned(state.mxcsr), unsigned(state.x87));
+        fail(e, "status is not the last warning of the elements", len, -1, buf + warnings);
     }
 }
 
