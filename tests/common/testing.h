@@ -7,6 +7,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -79,7 +80,10 @@ private:
 template <class T>
 class ReadOnlyCopy {
 public:
-    explicit ReadOnlyCopy(const std::vector<T>& values) : size_(size_t(sysconf(_SC_PAGESIZE))) {
+    // Whole pages, at least one, so that an empty or long array fits too.
+    explicit ReadOnlyCopy(const std::vector<T>& values) {
+        const size_t page = size_t(sysconf(_SC_PAGESIZE));
+        size_ = std::max<size_t>(1, (values.size() * sizeof(T) + page - 1) / page) * page;
         page_ = mmap(nullptr, size_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
         std::memcpy(page_, values.data(), values.size() * sizeof(T));
         mprotect(page_, size_, PROT_READ);

@@ -5,12 +5,9 @@
 // MXCSR and x87 control word as they were.  Under ThreadSanitizer this also
 // proves that no call touches shared mutable data.
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <cstring>
 #include <memory>
-#include <stdexcept>
 #include <thread>
 #include <vector>
 
@@ -38,29 +35,6 @@ constexpr ThreadState kStates[] = {
 constexpr int kThreads = int(std::size(kStates));
 constexpr int kLen = 203;      // blocks, a rejected block or two, and a tail
 constexpr int kRounds = 6;     // calls per member and thread
-
-// Read-only memory holding a copy of some bytes: a write faults.
-class ReadOnlyBytes {
-public:
-    explicit ReadOnlyBytes(const std::vector<unsigned char>& bytes) {
-        const size_t page = size_t(sysconf(_SC_PAGESIZE));
-        size_ = (bytes.size() + page - 1) / page * page;
-        if (size_ == 0) size_ = page;
-        void* p = mmap(nullptr, size_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        if (p == MAP_FAILED) throw std::runtime_error("mmap failed");
-        data_ = static_cast<unsigned char*>(p);
-        std::memcpy(data_, bytes.data(), bytes.size());
-        mprotect(data_, size_, PROT_READ);
-    }
-    ~ReadOnlyBytes() { munmap(data_, size_); }
-    ReadOnlyBytes(const ReadOnlyBytes&) = delete;
-    ReadOnlyBytes& operator=(const ReadOnlyBytes&) = delete;
-    const unsigned char* data() const { return data_; }
-
-private:
-    unsigned char* data_ = nullptr;
-    size_t size_ = 0;
-};
 
 struct Outcome {
     OrvStatus status = orvStatusOk;
@@ -108,14 +82,14 @@ TEST(Threads, EveryExportAloneAndConcurrentAgree) {
     struct Case {
         const ExportInfo* e;
         std::vector<Sample> samples;
-        std::unique_ptr<ReadOnlyBytes> src1, src2;
+        std::unique_ptr<ReadOnlyCopy<unsigned char>> src1, src2;
         Outcome alone[kThreads];
     };
     std::vector<Case> cases;
     for (const ExportInfo* e : implementedExports()) {
         Case c{e, inputs(*e), nullptr, nullptr, {}};
-        c.src1 = std::make_unique<ReadOnlyBytes>(sourceBytes(*e, c.samples, 0));
-        c.src2 = std::make_unique<ReadOnlyBytes>(sourceBytes(*e, c.samples, 1));
+        c.src1 = std::make_unique<ReadOnlyCopy<unsigned char>>(sourceBytes(*e, c.samples, 0));
+        c.src2 = std::make_unique<ReadOnlyCopy<unsigned char>>(sourceBytes(*e, c.samples, 1));
         for (int t = 0; t < kThreads; ++t)
             c.alone[t] = callInState(*e, c.src1->data(), c.src2->data(), c.samples, kStates[t]);
         cases.push_back(std::move(c));
