@@ -6,6 +6,7 @@
 // wrappers set: 64-bit significand, rounding to nearest.
 #include <mpfr.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -184,6 +185,101 @@ TEST_F(ExtendedTest, SqrtSpecialValues) {
     EXPECT_EQ(extendedBits(call(orv::extSqrt, kQuietNan)).significand, extendedBits(kQuietNan).significand);
     EXPECT_TRUE(sameBits(call(orv::extSqrt, 0x1p-16444L), 0x1p-8222L));  // an even subnormal power
     EXPECT_TRUE(sameBits(call(orv::extSqrt, 0x1p16382L), 0x1p8191L));
+}
+
+// ---- extExp and the hyperbolic functions ---------------------------------------------
+
+// Largest x with e^x finite; e^-11355 is still normal.
+constexpr Extended kExpMax = 11356.5L;
+
+void sinhOnly(Extended* r, const Extended* x) {
+    Extended c;
+    orv::extSinhCosh(r, &c, x);
+}
+void coshOnly(Extended* r, const Extended* x) {
+    Extended s;
+    orv::extSinhCosh(&s, r, x);
+}
+
+TEST_F(ExtendedTest, ExpAgainstMpfr) {
+    Worst w = sweep(orv::extExp, mpfr_exp, 0x1p-70L, 11355.0L, true, 100000, 21);
+    for (const Worst& edge : {sweep(orv::extExp, mpfr_exp, 11000.0L, 11355.0L, true, 20000, 22),
+                              sweep(orv::extExp, mpfr_exp, 11355.0L, kExpMax, false, 5000, 24)})
+        if (edge.ulps > w.ulps) w = edge;
+    report("extExp", w);
+    EXPECT_LE(w.ulps, orv::kExtExpBound) << "at " << double(w.at);
+}
+
+TEST_F(ExtendedTest, ExpSpecialValuesAndRangeEnds) {
+    EXPECT_TRUE(sameBits(call(orv::extExp, 0.0L), 1.0L));
+    EXPECT_TRUE(sameBits(call(orv::extExp, -0.0L), 1.0L));
+    EXPECT_TRUE(sameBits(call(orv::extExp, kInf), kInf));
+    EXPECT_TRUE(sameBits(call(orv::extExp, -kInf), 0.0L));
+    EXPECT_TRUE(isQuietNan(call(orv::extExp, kSignallingNan)));
+    EXPECT_TRUE(sameBits(call(orv::extExp, 11357.3L), kInf));
+    EXPECT_TRUE(sameBits(call(orv::extExp, 1e300L), kInf));
+    EXPECT_TRUE(sameBits(call(orv::extExp, -1e300L), 0.0L));
+    EXPECT_TRUE(sameBits(call(orv::extExp, -11400.0L), 0.0L));
+    // Into the subnormal range the result is rounded once more, from a
+    // value already within the bound of its 64-bit significand (a unit of
+    // which is at most one subnormal unit): against MPFR in units of the
+    // smallest subnormal, half a unit and that first error.
+    Sampler s(23);
+    Mp x, exact, got;
+    double worst = 0;
+    for (int i = 0; i < 2000; ++i) {
+        const Extended a = -s.uniform(11355.2L, 11399.0L);
+        mpfr_set_ld(x, a, MPFR_RNDN);
+        mpfr_exp(exact, x, MPFR_RNDN);
+        mpfr_mul_2si(exact, exact, 16445, MPFR_RNDN);
+        mpfr_set_ld(got, call(orv::extExp, a) * 0x1p16000L * 0x1p445L, MPFR_RNDN);  // exact: an integer
+        mpfr_sub(got, got, exact, MPFR_RNDN);
+        worst = std::max(worst, std::fabs(mpfr_get_d(got, MPFR_RNDN)));
+    }
+    EXPECT_LE(worst, 0.5 + orv::kExtExpBound);
+}
+
+TEST_F(ExtendedTest, HyperbolicAgainstMpfr) {
+    struct Case {
+        const char* name;
+        Unary f;
+        MpfrUnary ref;
+        double bound;
+    } cases[] = {{"extSinh", orv::extSinh, mpfr_sinh, orv::kExtSinhBound},
+                 {"extCosh", orv::extCosh, mpfr_cosh, orv::kExtCoshBound},
+                 {"sinh pair", sinhOnly, mpfr_sinh, orv::kExtSinhBound},
+                 {"cosh pair", coshOnly, mpfr_cosh, orv::kExtCoshBound},
+                 {"extTanh", orv::extTanh, mpfr_tanh, orv::kExtTanhBound}};
+    for (const Case& c : cases) {
+        // Every branch: the short series, the Taylor series, the two
+        // exponentials, one exponential, and the ends of the range.
+        Worst w = sweep(c.f, c.ref, 0x1p-80L, 11356.0L, true, 60000, 31);
+        const Worst middle = sweep(c.f, c.ref, 0.25L, 30.0L, true, 60000, 32);
+        if (middle.ulps > w.ulps) w = middle;
+        report(c.name, w);
+        EXPECT_LE(w.ulps, c.bound) << c.name << " at " << double(w.at);
+    }
+}
+
+TEST_F(ExtendedTest, HyperbolicSpecialValues) {
+    for (Extended z : {0.0L, -0.0L}) {
+        Extended s, c;
+        orv::extSinhCosh(&s, &c, &z);
+        EXPECT_TRUE(sameBits(s, z));
+        EXPECT_TRUE(sameBits(c, 1.0L));
+        EXPECT_TRUE(sameBits(call(orv::extSinh, z), z));
+        EXPECT_TRUE(sameBits(call(orv::extCosh, z), 1.0L));
+        EXPECT_TRUE(sameBits(call(orv::extTanh, z), z));
+    }
+    for (Extended i : {kInf, -kInf}) {
+        EXPECT_TRUE(sameBits(call(orv::extSinh, i), i));
+        EXPECT_TRUE(sameBits(call(orv::extCosh, i), kInf));
+        EXPECT_TRUE(sameBits(call(orv::extTanh, i), i > 0 ? 1.0L : -1.0L));
+    }
+    EXPECT_TRUE(sameBits(call(orv::extSinh, -11357.3L), -kInf));
+    EXPECT_TRUE(sameBits(call(orv::extCosh, -11357.3L), kInf));
+    EXPECT_TRUE(sameBits(call(orv::extTanh, -40.0L), -1.0L));
+    for (Unary f : {orv::extSinh, orv::extCosh, orv::extTanh}) EXPECT_TRUE(isQuietNan(call(f, kSignallingNan)));
 }
 
 }  // namespace

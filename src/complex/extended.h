@@ -26,10 +26,14 @@ inline constexpr double kExtSqrtBound = 0.51;
 void extLog(Extended* r, const Extended* x);
 void extLog1p(Extended* r, const Extended* x);
 void extExp(Extended* r, const Extended* x);
-void extSinhCosh(Extended* sh, Extended* ch, const Extended* x);
+inline constexpr double kExtExpBound = 0.55;
+void extSinhCosh(Extended* sh, Extended* ch, const Extended* x);  // the bounds of extSinh and extCosh
 void extSinh(Extended* r, const Extended* x);
+inline constexpr double kExtSinhBound = 0.85;
 void extCosh(Extended* r, const Extended* x);
+inline constexpr double kExtCoshBound = 0.95;
 void extTanh(Extended* r, const Extended* x);
+inline constexpr double kExtTanhBound = 1.05;
 void extSin(Extended* r, const Extended* x);
 void extCos(Extended* r, const Extended* x);
 void extSinCos(Extended* s, Extended* c, const Extended* x);
