@@ -14,7 +14,7 @@
 #include <random>
 #include <vector>
 
-#include "complex/extended.h"
+#include "complex/ext_parts.h"
 #include "testing.h"
 
 using namespace orvtest;
@@ -117,6 +117,30 @@ Worst sweep(Unary f, MpfrUnary ref, Extended lo, Extended hi, bool sign, int n, 
         w.take(ulpsOff(r, exact), a);
     }
     return w;
+}
+
+// The same over given arguments.
+Worst sweepPoints(Unary f, MpfrUnary ref, const std::vector<Extended>& points) {
+    Worst w;
+    Mp x, exact;
+    for (Extended a : points) {
+        Extended r;
+        f(&r, &a);
+        mpfr_set_ld(x, a, MPFR_RNDN);
+        ref(exact, x, MPFR_RNDN);
+        w.take(ulpsOff(r, exact), a);
+    }
+    return w;
+}
+// c + d for n random d of magnitude in [lo, hi] and either sign, rounded.
+std::vector<Extended> around(Extended c, Extended lo, Extended hi, int n, uint64_t seed) {
+    Sampler s(seed);
+    std::vector<Extended> v;
+    for (int i = 0; i < n; ++i) v.push_back(c + (s.coin() ? 1 : -1) * s.magnitude(lo, hi));
+    return v;
+}
+void keepWorse(Worst& w, const Worst& other) {
+    if (!(other.ulps <= w.ulps)) w = other;
 }
 
 // Bit patterns of the results at special arguments.
@@ -280,6 +304,58 @@ TEST_F(ExtendedTest, HyperbolicSpecialValues) {
     EXPECT_TRUE(sameBits(call(orv::extCosh, -11357.3L), kInf));
     EXPECT_TRUE(sameBits(call(orv::extTanh, -40.0L), -1.0L));
     for (Unary f : {orv::extSinh, orv::extCosh, orv::extTanh}) EXPECT_TRUE(isQuietNan(call(f, kSignallingNan)));
+}
+
+// ---- extLog, extLog1p -----------------------------------------------------------
+
+TEST_F(ExtendedTest, LogAgainstMpfr) {
+    Worst w = sweep(orv::extLog, mpfr_log, 0x1p-16445L, 0x1p16383L, false, 60000, 41);
+    keepWorse(w, sweep(orv::extLog, mpfr_log, 0.25L, 4.0L, false, 60000, 42));
+    // Around 1, where the result is u itself, on both sides of the power
+    // of two, and around the table's points.
+    keepWorse(w, sweepPoints(orv::extLog, mpfr_log, around(1.0L, 0x1p-64L, 0x1p-6L, 30000, 43)));
+    keepWorse(w, sweepPoints(orv::extLog, mpfr_log, around(1.0L + 1.0L / 256, 0x1p-70L, 0x1p-9L, 5000, 44)));
+    report("extLog", w);
+    EXPECT_LE(w.ulps, orv::kExtLogBound) << "at " << double(w.at);
+}
+
+TEST_F(ExtendedTest, Log1pAgainstMpfr) {
+    Worst w = sweep(orv::extLog1p, mpfr_log1p, 0x1p-80L, 0x1p16383L, false, 60000, 51);
+    keepWorse(w, sweep(orv::extLog1p, mpfr_log1p, 0x1p-80L, 0.9999L, true, 60000, 52));
+    // Around the series' edge 2^-7, and towards -1.
+    keepWorse(w, sweepPoints(orv::extLog1p, mpfr_log1p, around(0x1p-7L, 0x1p-70L, 0x1p-9L, 5000, 53)));
+    keepWorse(w, sweepPoints(orv::extLog1p, mpfr_log1p, around(-0x1p-7L, 0x1p-70L, 0x1p-9L, 5000, 54)));
+    std::vector<Extended> nearMinusOne = around(-1.0L, 0x1p-64L, 0.5L, 10000, 55);
+    for (Extended& v : nearMinusOne) v = v < -1 ? -2 - v : v;
+    keepWorse(w, sweepPoints(orv::extLog1p, mpfr_log1p, nearMinusOne));
+    report("extLog1p", w);
+    EXPECT_LE(w.ulps, orv::kExtLog1pBound) << "at " << double(w.at);
+}
+
+TEST_F(ExtendedTest, LogSpecialValues) {
+    EXPECT_TRUE(sameBits(call(orv::extLog, 1.0L), 0.0L));
+    EXPECT_TRUE(sameBits(call(orv::extLog, 0.0L), -kInf));
+    EXPECT_TRUE(sameBits(call(orv::extLog, -0.0L), -kInf));
+    EXPECT_TRUE(sameBits(call(orv::extLog, kInf), kInf));
+    EXPECT_TRUE(isQuietNan(call(orv::extLog, -kInf)));
+    EXPECT_TRUE(isQuietNan(call(orv::extLog, -0x1p-16445L)));
+    EXPECT_TRUE(isQuietNan(call(orv::extLog, kSignallingNan)));
+    EXPECT_TRUE(sameBits(call(orv::extLog1p, -1.0L), -kInf));
+    EXPECT_TRUE(sameBits(call(orv::extLog1p, 0.0L), 0.0L));
+    EXPECT_TRUE(sameBits(call(orv::extLog1p, -0.0L), -0.0L));
+    EXPECT_TRUE(sameBits(call(orv::extLog1p, kInf), kInf));
+    EXPECT_TRUE(sameBits(call(orv::extLog1p, 0x1p-16445L), 0x1p-16445L));
+    EXPECT_TRUE(isQuietNan(call(orv::extLog1p, -kInf)));
+    EXPECT_TRUE(isQuietNan(call(orv::extLog1p, -1.0L - 0x1p-63L)));
+    EXPECT_TRUE(isQuietNan(call(orv::extLog1p, kSignallingNan)));
+    // Exact at the powers of two, up to the rounding of e ln 2.
+    Mp x, exact;
+    for (int e : {-16445, -16382, -1, 1, 64, 16383}) {
+        const Extended v = orv::ext::scaleByPowerOfTwo(1.0L, e);
+        mpfr_set_ld(x, v, MPFR_RNDN);
+        mpfr_log(exact, x, MPFR_RNDN);
+        EXPECT_LE(ulpsOff(call(orv::extLog, v), exact), 0.5) << e;
+    }
 }
 
 }  // namespace

@@ -24,7 +24,9 @@ void extAbs(Extended* r, const Extended* x);
 void extSqrt(Extended* r, const Extended* x);
 inline constexpr double kExtSqrtBound = 0.51;
 void extLog(Extended* r, const Extended* x);
+inline constexpr double kExtLogBound = 1.0;
 void extLog1p(Extended* r, const Extended* x);
+inline constexpr double kExtLog1pBound = 0.65;
 void extExp(Extended* r, const Extended* x);
 inline constexpr double kExtExpBound = 0.55;
 void extSinhCosh(Extended* sh, Extended* ch, const Extended* x);  // the bounds of extSinh and extCosh
