@@ -358,4 +358,114 @@ TEST_F(ExtendedTest, LogSpecialValues) {
     }
 }
 
+// ---- extReduce and the circular functions -----------------------------------------
+
+void sinOnly(Extended* r, const Extended* x) {
+    Extended c;
+    orv::extSinCos(r, &c, x);
+}
+void cosOnly(Extended* r, const Extended* x) {
+    Extended s;
+    orv::extSinCos(&s, r, x);
+}
+
+// The extended values nearest to N pi/2 for random N in every step-th
+// binade of [2, 2^hiBits): the hardest cases of the reduction are among
+// them.
+std::vector<Extended> nearQuarterTurns(int hiBits, int step, int perBinade, uint64_t seed) {
+    constexpr mpfr_prec_t kWide = 16384 + 512;
+    mpfr_t halfPi, v;
+    mpfr_inits2(kWide, halfPi, v, (mpfr_ptr)0);
+    mpfr_const_pi(halfPi, MPFR_RNDN);
+    mpfr_div_2ui(halfPi, halfPi, 1, MPFR_RNDN);
+    Sampler s(seed);
+    std::vector<Extended> out;
+    for (int b = 1; b < hiBits; b += step) {
+        for (int i = 0; i < perBinade; ++i) {
+            const Extended n = s.magnitude(orv::ext::powerOfTwo(b), orv::ext::powerOfTwo(b + 1) * 0.99L);
+            mpfr_set_ld(v, n < 0x1p63L ? Extended(uint64_t(n)) : n, MPFR_RNDN);  // an integer
+            mpfr_mul(v, v, halfPi, MPFR_RNDN);
+            const Extended x = mpfr_get_ld(v, MPFR_RNDN);
+            out.push_back(s.coin() ? x : -x);
+        }
+    }
+    mpfr_clears(halfPi, v, (mpfr_ptr)0);
+    return out;
+}
+
+TEST_F(ExtendedTest, ReduceAgainstMpfr) {
+    // The exact x - N pi/2 for the N nearest x/(pi/2), with pi/2 to 16896
+    // bits (enough for every finite extended x); q must be N mod 4.
+    constexpr mpfr_prec_t kWide = 16384 + 512;
+    mpfr_t halfPi, x, n, exact;
+    mpfr_inits2(kWide, halfPi, x, n, exact, (mpfr_ptr)0);
+    mpfr_const_pi(halfPi, MPFR_RNDN);
+    mpfr_div_2ui(halfPi, halfPi, 1, MPFR_RNDN);
+    Sampler s(61);
+    std::vector<Extended> points = nearQuarterTurns(16383, 7, 1, 62);
+    for (int i = 0; i < 3000; ++i) points.push_back((s.coin() ? 1 : -1) * s.magnitude(0x1p-10L, 0x1p16383L));
+    Worst w;
+    for (Extended a : points) {
+        Extended r;
+        const int q = orv::extReduce(&r, &a);
+        mpfr_set_ld(x, a, MPFR_RNDN);
+        mpfr_div(n, x, halfPi, MPFR_RNDN);
+        mpfr_rint(n, n, MPFR_RNDN);
+        mpfr_mul(exact, n, halfPi, MPFR_RNDN);
+        mpfr_sub(exact, x, exact, MPFR_RNDN);
+        mpfr_fmod_ui(n, n, 4, MPFR_RNDN);  // n mod 4, with the sign of n
+        const long nm = (mpfr_get_si(n, MPFR_RNDN) + 4) % 4;
+        ASSERT_EQ(q, nm) << double(a);
+        w.take(ulpsOff(r, exact), a);
+    }
+    mpfr_clears(halfPi, x, n, exact, (mpfr_ptr)0);
+    report("extReduce", w);
+    EXPECT_LE(w.ulps, orv::kExtReduceBound) << "at " << double(w.at);
+}
+
+TEST_F(ExtendedTest, CircularAgainstMpfr) {
+    struct Case {
+        const char* name;
+        Unary f;
+        MpfrUnary ref;
+        double bound;
+    } cases[] = {{"extSin", orv::extSin, mpfr_sin, orv::kExtSinBound},
+                 {"extCos", orv::extCos, mpfr_cos, orv::kExtCosBound},
+                 {"sin pair", sinOnly, mpfr_sin, orv::kExtSinBound},
+                 {"cos pair", cosOnly, mpfr_cos, orv::kExtCosBound},
+                 {"extTan", orv::extTan, mpfr_tan, orv::kExtTanBound}};
+    const std::vector<Extended> hard = nearQuarterTurns(200, 1, 20, 71);
+    for (const Case& c : cases) {
+        Worst w = sweep(c.f, c.ref, 0x1p-80L, 0x1p16383L, true, 5000, 72);
+        keepWorse(w, sweep(c.f, c.ref, 0x1p-10L, 0x1p31L, true, 40000, 73));
+        keepWorse(w, sweepPoints(c.f, c.ref, hard));
+        report(c.name, w);
+        EXPECT_LE(w.ulps, c.bound) << c.name << " at " << double(w.at);
+    }
+}
+
+TEST_F(ExtendedTest, CircularSpecialValues) {
+    for (Extended z : {0.0L, -0.0L}) {
+        Extended s, c;
+        orv::extSinCos(&s, &c, &z);
+        EXPECT_TRUE(sameBits(s, z));
+        EXPECT_TRUE(sameBits(c, 1.0L));
+        EXPECT_TRUE(sameBits(call(orv::extSin, z), z));
+        EXPECT_TRUE(sameBits(call(orv::extCos, z), 1.0L));
+        EXPECT_TRUE(sameBits(call(orv::extTan, z), z));
+    }
+    for (Extended v : {kInf, -kInf, kSignallingNan}) {
+        for (Unary f : {orv::extSin, orv::extCos, orv::extTan}) EXPECT_TRUE(isQuietNan(call(f, v)));
+        Extended r;
+        EXPECT_EQ(orv::extReduce(&r, &v), 0);
+        EXPECT_TRUE(isQuietNan(r));
+    }
+    // Tiny and subnormal arguments: sin x = tan x = x.
+    for (Extended t : {0x1p-16445L, -0x1p-16400L, 0x1p-40L}) {
+        EXPECT_TRUE(sameBits(call(orv::extSin, t), t));
+        EXPECT_TRUE(sameBits(call(orv::extTan, t), t));
+        EXPECT_TRUE(sameBits(call(orv::extCos, t), 1.0L));
+    }
+}
+
 }  // namespace

@@ -37,12 +37,16 @@ inline constexpr double kExtCoshBound = 0.95;
 void extTanh(Extended* r, const Extended* x);
 inline constexpr double kExtTanhBound = 1.05;
 void extSin(Extended* r, const Extended* x);
+inline constexpr double kExtSinBound = 0.75;
 void extCos(Extended* r, const Extended* x);
-void extSinCos(Extended* s, Extended* c, const Extended* x);
+inline constexpr double kExtCosBound = 0.75;
+void extSinCos(Extended* s, Extended* c, const Extended* x);  // the bounds of extSin and extCos
 void extTan(Extended* r, const Extended* x);
+inline constexpr double kExtTanBound = 2.0;
 // r = x - q (pi/2) with |r| <= pi/4 (to rounding); returns q mod 4.  For any
 // finite x, huge ones included.
 int extReduce(Extended* r, const Extended* x);
+inline constexpr double kExtReduceBound = 0.55;
 void extAtan(Extended* r, const Extended* x);
 void extAtan2(Extended* r, const Extended* y, const Extended* x);
 void extAsin(Extended* r, const Extended* x);
