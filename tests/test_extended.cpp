@@ -468,4 +468,117 @@ TEST_F(ExtendedTest, CircularSpecialValues) {
     }
 }
 
+// ---- extAtan, extAtan2, extAsin, extAcos -------------------------------------------
+
+// 1 - d and -1 + d for random d in [2^-64, hi]: the ends of asin and acos.
+std::vector<Extended> towardOne(Extended hi, int n, uint64_t seed) {
+    Sampler s(seed);
+    std::vector<Extended> v;
+    for (int i = 0; i < n; ++i) {
+        const Extended a = 1 - s.magnitude(0x1p-64L, hi);
+        v.push_back(s.coin() ? a : -a);
+    }
+    return v;
+}
+
+TEST_F(ExtendedTest, AtanAgainstMpfr) {
+    Worst w = sweep(orv::extAtan, mpfr_atan, 0x1p-80L, 0x1p16383L, true, 40000, 81);
+    keepWorse(w, sweep(orv::extAtan, mpfr_atan, 0x1p-10L, 0x1p10L, true, 60000, 82));
+    report("extAtan", w);
+    EXPECT_LE(w.ulps, orv::kExtAtanBound) << "at " << double(w.at);
+}
+
+TEST_F(ExtendedTest, Atan2AgainstMpfr) {
+    // Points of all four quadrants, with ratios from 2^-70 to 2^70 and, for
+    // a part, magnitudes over the whole range.
+    Sampler s(91);
+    Mp y, x, exact;
+    Worst w;
+    Extended worstX = 0;
+    for (int i = 0; i < 100000; ++i) {
+        const Extended base = i % 4 == 0 ? s.magnitude(0x1p-16300L, 0x1p16300L) : s.magnitude(0.5L, 2.0L);
+        Extended a = base * s.magnitude(0x1p-70L, 0x1p70L), b = base;
+        if (s.coin()) a = -a;
+        if (s.coin()) b = -b;
+        if (s.coin()) std::swap(a, b);
+        Extended r;
+        orv::extAtan2(&r, &a, &b);
+        mpfr_set_ld(y, a, MPFR_RNDN);
+        mpfr_set_ld(x, b, MPFR_RNDN);
+        mpfr_atan2(exact, y, x, MPFR_RNDN);
+        const double u = ulpsOff(r, exact);
+        if (!(u <= w.ulps)) worstX = b;
+        w.take(u, a);
+    }
+    report("extAtan2", w);
+    EXPECT_LE(w.ulps, orv::kExtAtan2Bound) << "at y = " << double(w.at) << ", x = " << double(worstX);
+}
+
+TEST_F(ExtendedTest, AsinAcosAgainstMpfr) {
+    struct Case {
+        const char* name;
+        Unary f;
+        MpfrUnary ref;
+        double bound;
+    } cases[] = {{"extAsin", orv::extAsin, mpfr_asin, orv::kExtAsinBound},
+                 {"extAcos", orv::extAcos, mpfr_acos, orv::kExtAcosBound}};
+    const std::vector<Extended> ends = towardOne(0.25L, 20000, 101);
+    for (const Case& c : cases) {
+        Worst w = sweep(c.f, c.ref, 0x1p-80L, 1.0L, true, 30000, 102);
+        keepWorse(w, sweep(c.f, c.ref, 0x1p-6L, 1.0L, true, 40000, 103));
+        keepWorse(w, sweepPoints(c.f, c.ref, ends));
+        keepWorse(w, sweepPoints(c.f, c.ref, around(0.5L, 0x1p-70L, 0x1p-6L, 5000, 104)));
+        report(c.name, w);
+        EXPECT_LE(w.ulps, c.bound) << c.name << " at " << double(w.at);
+    }
+}
+
+TEST_F(ExtendedTest, InverseCircularSpecialValues) {
+    Mp pi;
+    mpfr_const_pi(pi, MPFR_RNDN);
+    const Extended piX = mpfr_get_ld(pi, MPFR_RNDN);
+    // The multiples of pi/4 these routines give round pi/2 and pi in two
+    // parts: the nearest extended values.
+    const Extended halfPi = piX / 2, quarterPi = piX / 4;
+    mpfr_mul_ui(pi, pi, 3, MPFR_RNDN);
+    mpfr_div_2ui(pi, pi, 2, MPFR_RNDN);
+    const Extended threeQuarterPi = mpfr_get_ld(pi, MPFR_RNDN);
+    auto atan2 = [](Extended y, Extended x) {
+        Extended r;
+        orv::extAtan2(&r, &y, &x);
+        return r;
+    };
+    for (Extended sgn : {1.0L, -1.0L}) {
+        const Extended zero = sgn * 0.0L;
+        EXPECT_TRUE(sameBits(atan2(zero, 0.0L), zero));
+        EXPECT_TRUE(sameBits(atan2(zero, 2.0L), zero));
+        EXPECT_TRUE(sameBits(atan2(zero, kInf), zero));
+        EXPECT_TRUE(sameBits(atan2(zero, -0.0L), sgn * piX));
+        EXPECT_TRUE(sameBits(atan2(zero, -2.0L), sgn * piX));
+        EXPECT_TRUE(sameBits(atan2(zero, -kInf), sgn * piX));
+        EXPECT_TRUE(sameBits(atan2(sgn * 3, 0.0L), sgn * halfPi));
+        EXPECT_TRUE(sameBits(atan2(sgn * 3, -0.0L), sgn * halfPi));
+        EXPECT_TRUE(sameBits(atan2(sgn * kInf, 5.0L), sgn * halfPi));
+        EXPECT_TRUE(sameBits(atan2(sgn * kInf, -5.0L), sgn * halfPi));
+        EXPECT_TRUE(sameBits(atan2(sgn * kInf, kInf), sgn * quarterPi));
+        EXPECT_TRUE(sameBits(atan2(sgn * kInf, -kInf), sgn * threeQuarterPi));
+        EXPECT_TRUE(sameBits(atan2(sgn * 7, kInf), zero));
+        EXPECT_TRUE(sameBits(atan2(sgn * 7, -kInf), sgn * piX));
+        EXPECT_TRUE(sameBits(call(orv::extAtan, sgn * kInf), sgn * halfPi));
+        EXPECT_TRUE(sameBits(call(orv::extAtan, zero), zero));
+        EXPECT_TRUE(sameBits(call(orv::extAsin, zero), zero));
+        EXPECT_TRUE(sameBits(call(orv::extAcos, zero), halfPi));
+        EXPECT_TRUE(sameBits(call(orv::extAsin, sgn), sgn * halfPi));
+        for (Extended out : {sgn * kInf, sgn * (1 + 0x1p-63L), sgn * 0x1p16000L}) {
+            EXPECT_TRUE(isQuietNan(call(orv::extAsin, out)));
+            EXPECT_TRUE(isQuietNan(call(orv::extAcos, out)));
+        }
+    }
+    EXPECT_TRUE(sameBits(call(orv::extAcos, 1.0L), 0.0L));
+    EXPECT_TRUE(sameBits(call(orv::extAcos, -1.0L), piX));
+    for (Unary f : {orv::extAtan, orv::extAsin, orv::extAcos}) EXPECT_TRUE(isQuietNan(call(f, kSignallingNan)));
+    EXPECT_TRUE(isQuietNan(atan2(kSignallingNan, 1.0L)));
+    EXPECT_TRUE(isQuietNan(atan2(1.0L, kSignallingNan)));
+}
+
 }  // namespace

@@ -48,9 +48,13 @@ inline constexpr double kExtTanBound = 2.0;
 int extReduce(Extended* r, const Extended* x);
 inline constexpr double kExtReduceBound = 0.55;
 void extAtan(Extended* r, const Extended* x);
+inline constexpr double kExtAtanBound = 1.45;
 void extAtan2(Extended* r, const Extended* y, const Extended* x);
+inline constexpr double kExtAtan2Bound = 1.45;  // the core of extAtan
 void extAsin(Extended* r, const Extended* x);
+inline constexpr double kExtAsinBound = 1.3;
 void extAcos(Extended* r, const Extended* x);
+inline constexpr double kExtAcosBound = 1.8;
 void extAsinh(Extended* r, const Extended* x);
 void extAcosh(Extended* r, const Extended* x);
 void extAtanh(Extended* r, const Extended* x);
