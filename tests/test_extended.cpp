@@ -581,4 +581,47 @@ TEST_F(ExtendedTest, InverseCircularSpecialValues) {
     EXPECT_TRUE(isQuietNan(atan2(1.0L, kSignallingNan)));
 }
 
+// ---- extAsinh, extAcosh, extAtanh ----------------------------------------------------
+
+TEST_F(ExtendedTest, InverseHyperbolicAgainstMpfr) {
+    Worst w = sweep(orv::extAsinh, mpfr_asinh, 0x1p-80L, 0x1p16383L, true, 40000, 111);
+    keepWorse(w, sweep(orv::extAsinh, mpfr_asinh, 0x1p-6L, 4.0L, true, 40000, 112));
+    report("extAsinh", w);
+    EXPECT_LE(w.ulps, orv::kExtAsinhBound) << "at " << double(w.at);
+
+    // acosh from 1 up: 1 + d over the whole range of d, and near 2.
+    std::vector<Extended> points;
+    Sampler s(113);
+    for (int i = 0; i < 40000; ++i) points.push_back(1 + s.magnitude(0x1p-63L, 0x1p16383L));
+    for (int i = 0; i < 20000; ++i) points.push_back(1 + s.magnitude(0x1p-63L, 4.0L));
+    w = sweepPoints(orv::extAcosh, mpfr_acosh, points);
+    keepWorse(w, sweepPoints(orv::extAcosh, mpfr_acosh, around(2.0L, 0x1p-62L, 0.25L, 5000, 114)));
+    report("extAcosh", w);
+    EXPECT_LE(w.ulps, orv::kExtAcoshBound) << "at " << double(w.at);
+
+    w = sweep(orv::extAtanh, mpfr_atanh, 0x1p-80L, 1.0L, true, 40000, 115);
+    keepWorse(w, sweepPoints(orv::extAtanh, mpfr_atanh, towardOne(0.5L, 20000, 116)));
+    keepWorse(w, sweepPoints(orv::extAtanh, mpfr_atanh, around(0.5L, 0x1p-70L, 0x1p-6L, 5000, 117)));
+    report("extAtanh", w);
+    EXPECT_LE(w.ulps, orv::kExtAtanhBound) << "at " << double(w.at);
+}
+
+TEST_F(ExtendedTest, InverseHyperbolicSpecialValues) {
+    for (Extended sgn : {1.0L, -1.0L}) {
+        const Extended zero = sgn * 0.0L;
+        EXPECT_TRUE(sameBits(call(orv::extAsinh, zero), zero));
+        EXPECT_TRUE(sameBits(call(orv::extAtanh, zero), zero));
+        EXPECT_TRUE(sameBits(call(orv::extAsinh, sgn * kInf), sgn * kInf));
+        EXPECT_TRUE(sameBits(call(orv::extAtanh, sgn), sgn * kInf));
+        EXPECT_TRUE(isQuietNan(call(orv::extAtanh, sgn * (1 + 0x1p-63L))));
+        EXPECT_TRUE(isQuietNan(call(orv::extAtanh, sgn * kInf)));
+        EXPECT_TRUE(sameBits(call(orv::extAsinh, sgn * 0x1p-16445L), sgn * 0x1p-16445L));
+        EXPECT_TRUE(sameBits(call(orv::extAtanh, sgn * 0x1p-16445L), sgn * 0x1p-16445L));
+    }
+    EXPECT_TRUE(sameBits(call(orv::extAcosh, 1.0L), 0.0L));
+    EXPECT_TRUE(sameBits(call(orv::extAcosh, kInf), kInf));
+    for (Extended out : {1 - 0x1p-64L, 0.0L, -0.0L, -1.0L, -kInf}) EXPECT_TRUE(isQuietNan(call(orv::extAcosh, out)));
+    for (Unary f : {orv::extAsinh, orv::extAcosh, orv::extAtanh}) EXPECT_TRUE(isQuietNan(call(f, kSignallingNan)));
+}
+
 }  // namespace

@@ -56,7 +56,10 @@ inline constexpr double kExtAsinBound = 1.3;
 void extAcos(Extended* r, const Extended* x);
 inline constexpr double kExtAcosBound = 1.8;
 void extAsinh(Extended* r, const Extended* x);
+inline constexpr double kExtAsinhBound = 1.55;
 void extAcosh(Extended* r, const Extended* x);
+inline constexpr double kExtAcoshBound = 1.15;
 void extAtanh(Extended* r, const Extended* x);
+inline constexpr double kExtAtanhBound = 1.15;
 
 }  // namespace orv
