@@ -23,7 +23,8 @@
 //     first omitted, r^21/21!, is below 2^-72 at pi/4);
 //   cos r = 1 - z/2 + z^2 C(z) - hi lo, C to the term of r^20, z split
 //     exactly so that 1 - z/2 is a two-sum and its error is kept;
-//   tan r = sin r / cos r, or -cos r / sin r for odd q; below 2^-8 the odd
+//   tan r = sin r / cos r, or -cos r / sin r for odd q, both as pairs
+//     divided with one residual correction; below 2^-8 the odd
 //     series x + x^3/3 + 2x^5/15 + 17x^7/315 + 62x^9/2835 (the first omitted
 //     term is below 2^-67 relative).
 // Measured errors (tests/test_extended.cpp): see the bounds in extended.h.
@@ -160,28 +161,41 @@ alignas(16) constexpr TrigCoefficients kTrig = makeTrigCoefficients();
 
 constexpr uint16_t kTanSeriesField = 0x3FF7;  // |x| < 2^-8
 
-Extended sinKernel(const Pair& r) {
+// sin r and cos r as unevaluated pairs (the tangent divides them as such).
+Pair sinKernel(const Pair& r) {
     const Extended z = r.hi * r.hi;
     Extended s = kTrig.sin[8];
     for (int i = 7; i >= 0; --i) s = kTrig.sin[i] + z * s;
-    return r.hi + (r.hi * z * s + r.lo * (1 - z * 0.5L));
+    return {r.hi, r.hi * z * s + r.lo * (1 - z * 0.5L)};
 }
 
-Extended cosKernel(const Pair& r) {
+Pair cosKernel(const Pair& r) {
     const Pair z = twoProduct(r.hi, r.hi);
     Extended c = kTrig.cos[8];
     for (int i = 7; i >= 0; --i) c = kTrig.cos[i] + z.hi * c;
     const Extended half = z.hi * 0.5L;
     const Extended h = 1 - half;
     const Extended e = (1 - h) - half;  // exact: 1 - h and half are close
-    return h + (((z.hi * z.hi * c - r.hi * r.lo) - z.lo * 0.5L) + e);
+    return {h, ((z.hi * z.hi * c - r.hi * r.lo) - z.lo * 0.5L) + e};
+}
+
+Extended value(const Pair& p) { return p.hi + p.lo; }
+
+// (a.hi + a.lo)/(b.hi + b.lo): the quotient t0 of the heads, then one
+// correction by the residual a - t0 b, with t0 b.hi split exactly.
+Extended divide(const Pair& a, const Pair& b) {
+    const Extended bv = value(b);
+    const Extended t0 = value(a) / bv;
+    const Pair p = twoProduct(t0, b.hi);
+    const Extended residual = (((a.hi - p.hi) - p.lo) + a.lo) - t0 * b.lo;
+    return t0 + residual / bv;
 }
 
 // sin and cos of x after the reduction, by the quadrant.
 void sinCos(Extended x, Extended* s, Extended* c) {
     Pair r;
     const int q = reduceQuarterTurns(x, &r);
-    const Extended sr = sinKernel(r), cr = cosKernel(r);
+    const Extended sr = value(sinKernel(r)), cr = value(cosKernel(r));
     switch (q) {
         case 0: *s = sr, *c = cr; break;
         case 1: *s = cr, *c = -sr; break;
@@ -248,8 +262,8 @@ void extTan(Extended* r, const Extended* xp) {
     }
     Pair p;
     const int q = reduceQuarterTurns(x, &p);
-    const Extended sr = sinKernel(p), cr = cosKernel(p);
-    *r = (q & 1) ? -cr / sr : sr / cr;
+    const Pair sr = sinKernel(p), cr = cosKernel(p);
+    *r = (q & 1) ? -divide(cr, sr) : divide(sr, cr);
 }
 
 }  // namespace orv

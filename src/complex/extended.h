@@ -42,7 +42,7 @@ void extCos(Extended* r, const Extended* x);
 inline constexpr double kExtCosBound = 0.75;
 void extSinCos(Extended* s, Extended* c, const Extended* x);  // the bounds of extSin and extCos
 void extTan(Extended* r, const Extended* x);
-inline constexpr double kExtTanBound = 2.0;
+inline constexpr double kExtTanBound = 0.95;
 // r = x - q (pi/2) with |r| <= pi/4 (to rounding); returns q mod 4.  For any
 // finite x, huge ones included.
 int extReduce(Extended* r, const Extended* x);
