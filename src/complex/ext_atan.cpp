@@ -5,9 +5,10 @@
 // forming the quotient first.  j = round(128 num/den) picks c = j/128, and
 //   atan(num/den) = atan c + atan t,   t = (num - c den)/(den + c num),
 // |t| <= 2^-8.  The two are scaled first so that den lies in [1, 2) (exact,
-// and num, at least den/256 when j > 0, stays normal); den is split in two
-// 32-bit halves so that c den is exact in two pieces and num - c den loses
-// nothing (Sterbenz's lemma for the first piece).  atan c comes from
+// and num, at least den/256 when j > 0, stays normal); num and den are
+// split in two 32-bit halves so that c den and c num are exact in two
+// pieces, num - c den loses nothing (Sterbenz's lemma for the first piece),
+// and the quotient is refined once with its residual.  atan c comes from
 // kExtAtanTable in two extended parts, and
 //   atan t = t - t^3/3 + t^5/5 - t^7/7 + t^9/9
 // (the first omitted term is below 2^-80 relative).  For j = 0, t is the
@@ -58,8 +59,16 @@ Pair atanRatio(Extended num, Extended den) {
     const int scale = int(kBias) - int(exponentField(den));  // den * 2^scale in [1, 2)
     const Extended n = scaleByPowerOfTwo(num, scale), d = scaleByPowerOfTwo(den, scale);
     const Extended c = j * kStep;
-    const Pair dh = split(d);
-    const Extended t = ((n - c * dh.hi) - c * dh.lo) / (d + c * n);
+    // Numerator and denominator as pairs (the products with the 8-bit c of
+    // 32-bit halves are exact), then the quotient with one correction by
+    // its residual.
+    const Pair dh = split(d), nh = split(n);
+    const Pair num2 = twoSum(n - c * dh.hi, -(c * dh.lo));
+    const Pair den1 = twoSum(d, c * nh.hi);
+    const Pair den2 = {den1.hi, den1.lo + c * nh.lo};
+    const Extended t0 = num2.hi / den2.hi;
+    const Pair p = twoProduct(t0, den2.hi);
+    const Extended t = t0 + ((((num2.hi - p.hi) - p.lo) + num2.lo) - t0 * den2.lo) / den2.hi;
     const tables::ExtHiLo& a = tables::kExtAtanTable[int(j)];
     return {a.hi, a.lo + (t + atanSeriesTail(t))};
 }

@@ -48,9 +48,9 @@ inline constexpr double kExtTanBound = 0.95;
 int extReduce(Extended* r, const Extended* x);
 inline constexpr double kExtReduceBound = 0.55;
 void extAtan(Extended* r, const Extended* x);
-inline constexpr double kExtAtanBound = 1.45;
+inline constexpr double kExtAtanBound = 1.1;
 void extAtan2(Extended* r, const Extended* y, const Extended* x);
-inline constexpr double kExtAtan2Bound = 1.45;  // the core of extAtan
+inline constexpr double kExtAtan2Bound = 1.1;  // the core of extAtan
 void extAsin(Extended* r, const Extended* x);
 inline constexpr double kExtAsinBound = 1.3;
 void extAcos(Extended* r, const Extended* x);
