@@ -66,7 +66,8 @@ private:
 };
 
 // Sampling.  magnitude(): log-uniform in [lo, hi] with a full random
-// significand, so that every binade of the range is visited equally.
+// significand, so that every binade of the range (the subnormal one
+// included) is visited equally.
 class Sampler {
 public:
     explicit Sampler(uint64_t seed) : rng_(seed) {}
@@ -75,7 +76,9 @@ public:
         const int ehi = extendedBits(hi).signExponent & 0x7FFF;
         for (;;) {
             const int e = std::uniform_int_distribution<int>(elo, ehi)(rng_);
-            const Extended x = extendedFromBits(rng_() | kLeadBit, uint16_t(e));
+            // Exponent field 0: a subnormal, whose leading bit is clear.
+            const uint64_t significand = e == 0 ? rng_() & ~kLeadBit : rng_() | kLeadBit;
+            const Extended x = extendedFromBits(significand, uint16_t(e));
             if (x >= lo && x <= hi) return x;
         }
     }

@@ -20,7 +20,7 @@
 
 namespace orv {
 
-void extAbs(Extended* r, const Extended* x);
+void extAbs(Extended* r, const Extended* x);  // exact
 void extSqrt(Extended* r, const Extended* x);
 inline constexpr double kExtSqrtBound = 0.51;
 void extLog(Extended* r, const Extended* x);
