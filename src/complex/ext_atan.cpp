@@ -12,7 +12,7 @@
 // kExtAtanTable in two extended parts, and
 //   atan t = t - t^3/3 + t^5/5 - t^7/7 + t^9/9
 // (the first omitted term is below 2^-80 relative).  For j = 0, t is the
-// quotient itself.  The result stays a pair hi + lo, so that pi/2 - it and
+// quotient itself, refined once by its residual.  The result stays a pair hi + lo, so that pi/2 - it and
 // pi - it are formed with pi/2 and pi as a 32-bit head (6.0771005e-11 and
 // 1.2154201e-10 the tails) and a two-sum.
 //   atan x: atan(|x|/1) or pi/2 - atan(1/|x|), with the sign of x.
@@ -21,8 +21,10 @@
 //   asin x, acos x: below 2^-5 the odd series of asin, x + x^3/6 + 3x^5/40
 //     + 5x^7/112 + 35x^9/1152 + 63x^11/2816 (the first omitted term is
 //     below 2^-65.8 relative), acos = pi/2 - it; otherwise the angle of
-//     (sqrt(1 - x^2), |x|) by the ratio above, with 1 - x^2 = 2w - w^2,
-//     w = 1 - a, from a = 1/2 on (w exact there), and extSqrt.
+//     (sqrt(1 - x^2), |x|) by the ratio above, the root from extSqrt on
+//     1 - x^2 formed exactly (2w - w^2 with w = 1 - a from a = 1/2 on) and
+//     refined by its residual into a pair; its low part moves the angle
+//     by a times it, the point lying on the unit circle.
 // Measured errors (tests/test_extended.cpp): see the bounds in extended.h.
 //
 // Special values at entry: NaN gives x + x (atan2: y + x).  atan(+-inf) =
@@ -43,6 +45,7 @@ namespace ext {
 namespace {
 constexpr Extended kSteps = 128;
 constexpr Extended kStep = 1.0L / 128;
+constexpr uint16_t kRefinedQuotientField = 64;  // quotients from 2^-16319 on are refined
 
 // atan t - t for |t| <= 2^-8.
 Extended atanSeriesTail(Extended t) {
@@ -55,8 +58,19 @@ Extended atanSeriesTail(Extended t) {
 Pair atanRatio(Extended num, Extended den) {
     const Extended quotient = num / den;
     const Extended j = nearestInteger(quotient * kSteps);
-    if (j == 0) return {0, quotient + atanSeriesTail(quotient)};
     const int scale = int(kBias) - int(exponentField(den));  // den * 2^scale in [1, 2)
+    if (j == 0) {
+        // The quotient itself, refined once by its exact residual where it
+        // is far enough from the subnormal range for the scaled num to stay
+        // normal.
+        Extended low = 0;
+        if (exponentField(quotient) > kRefinedQuotientField) {
+            const Extended n = scaleByPowerOfTwo(num, scale), d = scaleByPowerOfTwo(den, scale);
+            const Pair p = twoProduct(quotient, d);
+            low = ((n - p.hi) - p.lo) / d;
+        }
+        return {quotient, low + atanSeriesTail(quotient)};
+    }
     const Extended n = scaleByPowerOfTwo(num, scale), d = scaleByPowerOfTwo(den, scale);
     const Extended c = j * kStep;
     // Numerator and denominator as pairs (the products with the 8-bit c of
@@ -105,14 +119,26 @@ Extended asinSeriesTail(Extended x) {
     return x * z * (s3 + z * (s5 + z * (s7 + z * (s9 + z * s11))));
 }
 
-// sqrt(1 - a^2) for 2^-5 <= a <= 1: from a = 1/2 on, with w = 1 - a exact,
-// 1 - a^2 = 2w - w^2, where the square is small beside 2w.
-Extended complement(Extended a) {
-    const Extended w = 1 - a;
-    const Extended d = a < 0.5L ? 1 - a * a : 2 * w - w * w;
-    Extended r;
-    extSqrt(&r, &d);
-    return r;
+// sqrt(1 - a^2) for 2^-5 <= a <= 1 as hi + lo: 1 - a^2 as an exact pair
+// (from a = 1/2 on as 2w - w^2 with w = 1 - a, exact there), its root by
+// extSqrt and the low part from the root's exact residual.
+Pair complement(Extended a) {
+    Pair d;
+    if (a < 0.5L) {
+        const Pair aa = twoProduct(a, a);
+        const Pair s = twoSum(1, -aa.hi);
+        d = {s.hi, s.lo - aa.lo};
+    } else {
+        const Extended w = 1 - a;
+        const Pair ww = twoProduct(w, w);
+        const Pair s = twoSum(2 * w, -ww.hi);
+        d = {s.hi, s.lo - ww.lo};
+    }
+    Extended b;
+    extSqrt(&b, &d.hi);
+    if (b == 0) return {0, 0};
+    const Pair bb = twoProduct(b, b);
+    return {b, (((d.hi - bb.hi) - bb.lo) + d.lo) / (2 * b)};
 }
 
 // The default NaN for |x| > 1 (infinities included), with invalid.
@@ -190,7 +216,11 @@ void extAsin(Extended* r, const Extended* xp) {
         *r = x + asinSeriesTail(x);
         return;
     }
-    *r = withSignOf(value(firstQuadrantAngle(a, complement(a))), negative);
+    // The angle of (b, a), b = sqrt(1 - a^2) = b.hi + b.lo: the low part
+    // moves it by -a b.lo (the point lies on the unit circle).
+    const Pair b = complement(a);
+    const Pair angle = firstQuadrantAngle(a, b.hi);
+    *r = withSignOf(angle.hi + (angle.lo - a * b.lo), negative);
 }
 
 void extAcos(Extended* r, const Extended* xp) {
@@ -209,7 +239,10 @@ void extAcos(Extended* r, const Extended* xp) {
         *r = value(fromConstant(kExtPiBy2Head, kExtPiBy2Tail, {x, asinSeriesTail(x)}));
         return;
     }
-    Pair angle = firstQuadrantAngle(complement(a), a);
+    // The angle of (a, b): the low part of b moves it by a b.lo.
+    const Pair b = complement(a);
+    Pair angle = firstQuadrantAngle(b.hi, a);
+    angle.lo += a * b.lo;
     if (negative) angle = fromConstant(kExtPiHead, kExtPiTail, angle);
     *r = value(angle);
 }

@@ -52,9 +52,9 @@ inline constexpr double kExtAtanBound = 1.1;
 void extAtan2(Extended* r, const Extended* y, const Extended* x);
 inline constexpr double kExtAtan2Bound = 1.1;  // the core of extAtan
 void extAsin(Extended* r, const Extended* x);
-inline constexpr double kExtAsinBound = 1.3;
+inline constexpr double kExtAsinBound = 0.85;
 void extAcos(Extended* r, const Extended* x);
-inline constexpr double kExtAcosBound = 1.8;
+inline constexpr double kExtAcosBound = 1.25;
 void extAsinh(Extended* r, const Extended* x);
 inline constexpr double kExtAsinhBound = 1.55;
 void extAcosh(Extended* r, const Extended* x);
