@@ -40,7 +40,7 @@
 //                           arguments of the trigonometric members
 //   --orvvm_ratios_out=FILE the ratio table as TSV
 //   --orvvm_rounds=N        rounds per race (default 15)
-//   --orvvm_round_ms=T      each runner's share of a round (default 0.3)
+//   --orvvm_round_ms=T      each runner's share of a round (default 1)
 //   --orvvm_progress        one line per benchmark done on stderr
 //   --orvvm_list            list the benchmarks as TSV and exit
 //   --orvvm_repeat=NAME --orvvm_calls=N
@@ -99,7 +99,7 @@ struct Options {
     std::string repeat;
     int calls = 10;
     int rounds = 15;
-    double roundMs = 0.3;
+    double roundMs = 1.0;
 };
 
 // Members of one family and type with one ordinary range: one set of data.

@@ -56,8 +56,8 @@ def parse_args():
     p.add_argument("--rounds", type=int, default=15,
                    help="speed: rounds in which a member and its alternatives take turns on the same arrays; "
                         "ratios are medians over the rounds (default 15)")
-    p.add_argument("--round-ms", type=float, default=0.3,
-                   help="speed: milliseconds of each runner's turn in a round (default 0.3)")
+    p.add_argument("--round-ms", type=float, default=1.0,
+                   help="speed: milliseconds of each runner's turn in a round (default 1)")
     p.add_argument("--jobs", type=int, default=2, help="processes measuring accuracy (default 2)")
     p.add_argument("--no-callgrind", action="store_true",
                    help="leave out the instruction counts (callgrind, which needs valgrind)")
