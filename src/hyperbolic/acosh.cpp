@@ -1,0 +1,212 @@
+// Acosh, real members: dst[i] = acosh src[i] for orvsAcosh_32f_A11/A21/A24
+// and orvsAcosh_64f_A26/A50/A53.
+//
+// Method.  For x >= 1,
+//   acosh x = ln(x + sqrt(x^2 - 1)),
+// the logarithm of a pair u + c >= 1 (see inverse_hyperbolic.h).  Next to
+// x = 1 + d, acosh x ~ sqrt(2d): the result is far larger than d, but
+// x^2 - 1 must be formed without cancellation, and u ~ 1 + sqrt(2d) must
+// keep the bits of sqrt(2d) below the ulp of 1, which c holds.
+//   32f tiers, in double: x^2 - 1 = (x - 1)(x + 1), x - 1 exact, the
+//        product and the square root rounded (s within 1.5 2^-53), and
+//        u + c = x + s exactly (a fast two-sum: x >= s); the logarithm on
+//        the one-double table with Taylor terms to
+//        A11: r^2 (2^-21.6)   A21: r^3 (2^-32)   A24: r^4 (2^-42.3),
+//        rounded once to float.  x^2 cannot overflow a double.
+//   64f: x^2 as an exact pair, less 1 by a fast two-sum (exact), its
+//        square root as a pair and x added exactly (acoshPair), good to
+//        2^-100 next to 1 as elsewhere; the logarithm on the head-tail table,
+//        A26 = A50 (one routine): Taylor to r^5, A = (uh + ul) + (e H + Th);
+//        A53: Taylor to r^6, ul joined to A where the table's tail is 0.
+// acosh 1 = +0: x^2 - 1 = 0, its square root 0 (its remainder's divisor
+// held off 0), u = 1, c = 0, and the logarithm of 1 is +0.
+//
+// Tiers, maximum error measured with MPFR by the accuracy test: see the
+// records at the end.
+//
+// Screen (raw bits): x in [1, +inf) for 32f, [1, 2^511) for 64f, where x^2
+// stays finite: the bits (or the high word) less the pattern of 1.0 and
+// 2^31, compared as signed integers with the width of the range less 1
+// and 2^31, so that everything below 1 (negative numbers too) wraps above
+// it; blocks of 8 floats or 4 doubles.  ElementPath:
+//   NaN: x + x (quiet), no status.  +inf: +inf.
+//   64f, 2^511 <= x < inf: acosh x = ln 2x - 1/(4x^2) - ..., so ln x + ln 2,
+//        the logarithm of the pair x + 0 with its exponent moved up by one.
+//   x < 1 (zeros and -inf too): the default NaN (0xFFC00000,
+//        0xFFF8000000000000) and orvStatusDomain; orvsAcosh_64f_A53 raises
+//        the invalid flag with raiseFpFlags64, the other members store the
+//        constant and raise nothing.
+#include "frame/blockpath.h"
+#include "frame/frame.h"
+#include "frame/simd.h"
+#include "hyperbolic/inverse_hyperbolic.h"
+
+namespace orv {
+namespace {
+using namespace ahyp;
+
+// ---- Constants ----------------------------------------------------------
+
+// The screen: int32(bits - kBias) <= int32(kLimit) passes [1, top).
+constexpr uint32_t kOne32 = 0x3F800000;
+constexpr uint32_t kTop32 = 0x7F800000;  // +inf
+constexpr uint32_t kBias32 = kOne32 + kSign32;
+constexpr uint32_t kLimit32 = kTop32 - kOne32 - 1 + kSign32;
+constexpr uint32_t kOneHigh64 = 0x3FF00000;
+constexpr uint32_t kTopHigh64 = 0x5FE00000;  // 2^511: x^2 below 2^1022
+constexpr uint32_t kBias64 = kOneHigh64 + kSign32;
+constexpr uint32_t kLimit64 = kTopHigh64 - kOneHigh64 - 1 + kSign32;
+constexpr double kScreenTop64 = 0x1p511;
+
+constexpr uint32_t kDomainNaN32 = 0xFFC00000;
+constexpr uint64_t kDomainNaN64 = 0xFFF8000000000000;
+
+#ifndef ORVVM_RECORDS
+// ---- Screens ----------------------------------------------------------------
+
+// The lanes (bit k for lane k) whose words fail int32(w - bias) <= int32(limit).
+inline int rangeScreen(I32x4 words, uint32_t bias, uint32_t limit) {
+    return signMask32(cmpGt32(sub32(words, splat32(bias)), splat32(limit)));
+}
+inline bool passesRange(uint32_t word, uint32_t bias, uint32_t limit) {
+    return int32_t(word - bias) <= int32_t(limit);
+}
+
+// ---- Kernels --------------------------------------------------------------
+
+template <int kTerms>
+inline F64x2 acoshHalf32(F64x2 x) {
+    F64x2 s = sqrt((x - lanes(1.0)) * (x + lanes(1.0)));
+    Pair u = fastTwoSum(x, s);
+    return lnPair26<kTerms>(u.u, u.c);
+}
+template <int kTerms>
+inline F32x4 acoshFloat4(F32x4 x) {
+    return narrow(acoshHalf32<kTerms>(widenLow(x)), acoshHalf32<kTerms>(widenHigh(x)));
+}
+
+template <int kTerms>
+inline F64x2 acoshDouble2(F64x2 x) {
+    Pair u = acoshPair(x);
+    return lnPair53<kTerms>(u.u, u.c, zeroF64x2());
+}
+
+// ---- Blocks and ElementPaths ---------------------------------------------------
+
+template <int kTerms>
+inline bool acoshBlock32(const float* src, float* dst) {
+    F32x4 x0 = load(src), x1 = load(src + 4);
+    if ((rangeScreen(bitsOf(x0), kBias32, kLimit32) | rangeScreen(bitsOf(x1), kBias32, kLimit32)) != 0)
+        return false;
+    store(dst, acoshFloat4<kTerms>(x0));
+    store(dst + 4, acoshFloat4<kTerms>(x1));
+    return true;
+}
+template <int kTerms>
+inline float acoshElement32(float x, StatusVar& status) {
+    uint32_t b = bitsOf(x);
+    if (passesRange(b, kBias32, kLimit32)) return lane0(acoshFloat4<kTerms>(splat(x)));
+    if ((b & kAbs32) > kInfinity32) return x + x;
+    if (b == kInfinity32) return x;
+    status.write(orvStatusDomain);
+    return floatFromBits(kDomainNaN32);
+}
+
+template <int kTerms>
+inline bool acoshBlock64(const double* src, double* dst) {
+    F64x2 x0 = load(src), x1 = load(src + 2);
+    if (rangeScreen(highWords(x0, x1), kBias64, kLimit64) != 0) return false;
+    store(dst, acoshDouble2<kTerms>(x0));
+    store(dst + 2, acoshDouble2<kTerms>(x1));
+    return true;
+}
+// kRaise: the domain warning comes with the invalid flag (A53).
+template <int kTerms, bool kRaise>
+inline double acoshElement64(double x, StatusVar& status) {
+    uint64_t b = bitsOf(x);
+    if (passesRange(highWord(x), kBias64, kLimit64)) return lane0(acoshDouble2<kTerms>(splat(x)));
+    if ((b & kAbs64) > kInfinity64) return x + x;
+    if (b == kInfinity64) return x;
+    if ((b & kSign64) == 0 && highWord(x) >= kTopHigh64)  // ln x + ln 2, x finite and at least 2^511
+        return lane0(lnPair53<kTerms>(splat(x), zeroF64x2(), lanes(1.0)));
+    status.write(orvStatusDomain);
+    if constexpr (kRaise) raiseFpFlags64(orvStatusDomain);
+    return doubleFromBits(kDomainNaN64);
+}
+
+template <int kTerms>
+inline OrvStatus acoshMember32(const float* src, float* dst, int32_t len) {
+    return pointersFirstFrame<kGuardNearest>({src, dst}, len, [&](StatusVar& status) {
+        wholeBlockFallback<8>(
+            len, [&](int32_t i) { return acoshBlock32<kTerms>(src + i, dst + i); },
+            [&](int32_t i) { dst[i] = acoshElement32<kTerms>(src[i], status); });
+    });
+}
+template <int kTerms, bool kRaise>
+inline OrvStatus acoshMember64(const double* src, double* dst, int32_t len) {
+    return pointersFirstFrame<kGuardNearest>({src, dst}, len, [&](StatusVar& status) {
+        wholeBlockFallback<4>(
+            len, [&](int32_t i) { return acoshBlock64<kTerms>(src + i, dst + i); },
+            [&](int32_t i) { dst[i] = acoshElement64<kTerms, kRaise>(src[i], status); });
+    });
+}
+
+}  // namespace
+}  // namespace orv
+
+using namespace orv;
+
+ORV_EXPORT OrvStatus orvsAcosh_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len) {
+    return acoshMember32<1>(src, dst, len);
+}
+ORV_EXPORT OrvStatus orvsAcosh_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len) {
+    return acoshMember32<2>(src, dst, len);
+}
+ORV_EXPORT OrvStatus orvsAcosh_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len) {
+    return acoshMember32<3>(src, dst, len);
+}
+// A26 and A50 are one routine: the head-tail logarithm with four terms.
+ORV_EXPORT OrvStatus orvsAcosh_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len) {
+    return acoshMember64<4, false>(src, dst, len);
+}
+ORV_EXPORT OrvStatus orvsAcosh_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len)
+    __attribute__((alias("orvsAcosh_64f_A26")));
+ORV_EXPORT OrvStatus orvsAcosh_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len) {
+    return acoshMember64<5, true>(src, dst, len);
+}
+
+#else
+}  // namespace
+}  // namespace orv
+
+#include <algorithm>
+
+#include "frame/record.h"
+
+namespace orv {
+namespace {
+using namespace records;
+
+// The ordinary range, the neighbourhood of 1, large arguments (up to the
+// 64f screen's limit), and the whole finite line (domain errors below 1).
+std::vector<Box> acoshRanges(Interval finite) {
+    return {Interval{1.0, 10.0}, Interval{1.0, 1.001}, Interval{10.0, std::min(finite.hi, kScreenTop64)}, finite};
+}
+
+}  // namespace
+
+ORV_RECORDS(
+    {.member = "orvsAcosh_32f_A11", .maxUlp = 6, .worst = {2.0}, .ranges = acoshRanges(kFinite32),
+     .peerVectors = "acosh"},
+    {.member = "orvsAcosh_32f_A21", .maxUlp = 0.51, .worst = {2.0}, .ranges = acoshRanges(kFinite32),
+     .peerVectors = "acosh"},
+    {.member = "orvsAcosh_32f_A24", .maxUlp = 0.51, .worst = {2.0}, .ranges = acoshRanges(kFinite32),
+     .peerVectors = "acosh"},
+    {.member = "orvsAcosh_64f_A26", .maxUlp = 2, .worst = {2.0}, .ranges = acoshRanges(kFinite64),
+     .peerVectors = "acosh"},
+    {.member = "orvsAcosh_64f_A50", .maxUlp = 2, .worst = {2.0}, .ranges = acoshRanges(kFinite64),
+     .sameAs = "orvsAcosh_64f_A26", .peerVectors = "acosh"},
+    {.member = "orvsAcosh_64f_A53", .maxUlp = 0.6, .worst = {2.0}, .ranges = acoshRanges(kFinite64),
+     .peerVectors = "acosh"})
+}  // namespace orv
+#endif
