@@ -16,8 +16,9 @@
 //   64f: x^2 as an exact pair, less 1 by a fast two-sum (exact), its
 //        square root as a pair and x added exactly (acoshPair), good to
 //        2^-100 next to 1 as elsewhere; the logarithm on the head-tail table,
-//        A26 = A50 (one routine): Taylor to r^5, A = (uh + ul) + (e H + Th);
-//        A53: Taylor to r^6, ul joined to A where the table's tail is 0.
+//        Taylor to r^6; A26 = A50 (one routine) adds uh + ul at once
+//        (A = (uh + ul) + (e H + Th)), A53 keeps ul among the small terms
+//        but where the table's tail is 0 (next to u = 1) and ul is exact.
 // acosh 1 = +0: x^2 - 1 = 0, its square root 0 (its remainder's divisor
 // held off 0), u = 1, c = 0, and the logarithm of 1 is +0.
 //
@@ -85,10 +86,10 @@ inline F32x4 acoshFloat4(F32x4 x) {
     return narrow(acoshHalf32<kTerms>(widenLow(x)), acoshHalf32<kTerms>(widenHigh(x)));
 }
 
-template <int kTerms>
+template <bool kTop>
 inline F64x2 acoshDouble2(F64x2 x) {
     Pair u = acoshPair(x);
-    return lnPair53<kTerms>(u.u, u.c, zeroF64x2());
+    return lnPair53<kTop>(u.u, u.c, zeroF64x2());
 }
 
 // ---- Blocks and ElementPaths ---------------------------------------------------
@@ -112,23 +113,23 @@ inline float acoshElement32(float x, StatusVar& status) {
     return floatFromBits(kDomainNaN32);
 }
 
-template <int kTerms>
+template <bool kTop>
 inline bool acoshBlock64(const double* src, double* dst) {
     F64x2 x0 = load(src), x1 = load(src + 2);
     if (rangeScreen(highWords(x0, x1), kBias64, kLimit64) != 0) return false;
-    store(dst, acoshDouble2<kTerms>(x0));
-    store(dst + 2, acoshDouble2<kTerms>(x1));
+    store(dst, acoshDouble2<kTop>(x0));
+    store(dst + 2, acoshDouble2<kTop>(x1));
     return true;
 }
 // kRaise: the domain warning comes with the invalid flag (A53).
-template <int kTerms, bool kRaise>
+template <bool kTop, bool kRaise>
 inline double acoshElement64(double x, StatusVar& status) {
     uint64_t b = bitsOf(x);
-    if (passesRange(highWord(x), kBias64, kLimit64)) return lane0(acoshDouble2<kTerms>(splat(x)));
+    if (passesRange(highWord(x), kBias64, kLimit64)) return lane0(acoshDouble2<kTop>(splat(x)));
     if ((b & kAbs64) > kInfinity64) return x + x;
     if (b == kInfinity64) return x;
     if ((b & kSign64) == 0 && highWord(x) >= kTopHigh64)  // ln x + ln 2, x finite and at least 2^511
-        return lane0(lnPair53<kTerms>(splat(x), zeroF64x2(), lanes(1.0)));
+        return lane0(lnPair53<kTop>(splat(x), zeroF64x2(), lanes(1.0)));
     status.write(orvStatusDomain);
     if constexpr (kRaise) raiseFpFlags64(orvStatusDomain);
     return doubleFromBits(kDomainNaN64);
@@ -142,12 +143,12 @@ inline OrvStatus acoshMember32(const float* src, float* dst, int32_t len) {
             [&](int32_t i) { dst[i] = acoshElement32<kTerms>(src[i], status); });
     });
 }
-template <int kTerms, bool kRaise>
+template <bool kTop, bool kRaise>
 inline OrvStatus acoshMember64(const double* src, double* dst, int32_t len) {
     return pointersFirstFrame<kGuardNearest>({src, dst}, len, [&](StatusVar& status) {
         wholeBlockFallback<4>(
-            len, [&](int32_t i) { return acoshBlock64<kTerms>(src + i, dst + i); },
-            [&](int32_t i) { dst[i] = acoshElement64<kTerms, kRaise>(src[i], status); });
+            len, [&](int32_t i) { return acoshBlock64<kTop>(src + i, dst + i); },
+            [&](int32_t i) { dst[i] = acoshElement64<kTop, kRaise>(src[i], status); });
     });
 }
 
@@ -165,14 +166,14 @@ ORV_EXPORT OrvStatus orvsAcosh_32f_A21(const Orv32f* src, Orv32f* dst, int32_t l
 ORV_EXPORT OrvStatus orvsAcosh_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len) {
     return acoshMember32<3>(src, dst, len);
 }
-// A26 and A50 are one routine: the head-tail logarithm with four terms.
+// A26 and A50 are one routine: the head-tail logarithm summed plainly.
 ORV_EXPORT OrvStatus orvsAcosh_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len) {
-    return acoshMember64<4, false>(src, dst, len);
+    return acoshMember64<false, false>(src, dst, len);
 }
 ORV_EXPORT OrvStatus orvsAcosh_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len)
     __attribute__((alias("orvsAcosh_64f_A26")));
 ORV_EXPORT OrvStatus orvsAcosh_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len) {
-    return acoshMember64<5, true>(src, dst, len);
+    return acoshMember64<true, true>(src, dst, len);
 }
 
 #else

@@ -146,14 +146,19 @@ inline F64x2 lnPair26(F64x2 u, F64x2 c) {
 // ln(u + c) + eShift ln 2 on the head-tail table (Ln 53: rcp, Th, Tt), for
 // binary64.  m = mh + ml with mh of 21 bits, so uh = mh rcp - 1 is exact;
 // ul = ml rcp and cr = c 2^-E rcp stay apart, with r = (ul + cr) + uh.
-// A = uh + (e H + Th) and B = e L + Tt, w = r^2 q(r), and the result
-//   kTerms 5 (A53): (((w + B) + cr) + ul) + A, where next to u = 1 (B is
-//           exactly 0: e = 0 and row 0) ul is exact and joins A first, so
-//           that only the remainder and the series stay small;
-//   kTerms 4 (A50): ((w + B) + cr) + ((uh + ul) + (e H + Th)).
+// B = e L + Tt, w = r^2 q(r) with Taylor to r^6 (2^-62.8: four terms would
+// leave 2^-52.6 of r, more than an ulp where r is most of the result, next
+// to the rows' edges at 2^-10), and the result
+//   kTop (A53): (((w + B) + cr) + ul) + A with A = uh + (e H + Th), where
+//           next to u = 1 (B is exactly 0: e = 0 and row 0) ul is exact and
+//           joins A first, so that only the remainder and the series stay
+//           small;
+//   else (A50): ((w + B) + cr) + ((uh + ul) + (e H + Th)), uh + ul rounded
+//           at the result's scale (up to an ulp where e = 0 and Th nearly
+//           cancels uh).
 // eShift adds whole powers of two to u without touching it (u at the top
 // of the range, whose double would overflow).
-template <int kTerms>
+template <bool kTop>
 inline F64x2 lnPair53(F64x2 u, F64x2 c, F64x2 eShift) {
     I32x4 bits = bitsOf(u);
     Rows53 row = gatherRows(kLnTable53, rowOf512<LogRow53>(bits));
@@ -166,15 +171,14 @@ inline F64x2 lnPair53(F64x2 u, F64x2 c, F64x2 eShift) {
     F64x2 cr = scaledRemainder(c, bits) * row.rcp;
     F64x2 r = (ul + cr) + uh;
     F64x2 b = e * lanes(kLn2Lo) + row.tt;
-    F64x2 w = (r * r) * series<kTerms>(r);
-    if constexpr (kTerms == 5) {
+    F64x2 w = (r * r) * series<5>(r);
+    if constexpr (kTop) {
         F64x2 a = uh + (e * lanes(kLn2Hi) + row.th);
         F64x2 tailZero = cmpEq(b, zeroF64x2());
         a = a + (ul & tailZero);  // a is never -0: adding +0 elsewhere changes nothing
         ul = andNot(ul, tailZero);
         return (((w + b) + cr) + ul) + a;
     } else {
-        static_assert(kTerms == 4);
         F64x2 a = (uh + ul) + (e * lanes(kLn2Hi) + row.th);
         return ((w + b) + cr) + a;
     }
