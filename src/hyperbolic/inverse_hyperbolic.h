@@ -131,16 +131,28 @@ inline F64x2 scaledRemainder(F64x2 c, I32x4 bits) {
 
 // ln(u + c) on the one-double table (Ln 26: rcp, T) in plain double: for
 // the 32f members, whose results are rounded to float.  e ln2 takes only
-// the head of ln 2, 2^-44 relative.
+// the head of ln 2, 2^-44 relative.  lnOf26 is the same without c, where
+// u's rounding (2^-53 absolute) lies far below a float's ulp of the result.
+template <int kTerms>
+inline F64x2 lnReduced26(I32x4 bits, F64x2 t, F64x2 r) {
+    F64x2 e = exponentFrom(bits, kMovedExponentEdge);
+    F64x2 p = r + (r * r) * series<kTerms>(r);
+    return (e * lanes(kLn2Hi) + t) + p;
+}
 template <int kTerms>
 inline F64x2 lnPair26(F64x2 u, F64x2 c) {
     I32x4 bits = bitsOf(u);
     Rows26 row = gatherRows(kLnTable26, rowOf512<LogRow26>(bits));
-    F64x2 e = exponentFrom(bits, kMovedExponentEdge);
     F64x2 m = asF64x2(fractionAsOne(bits));
     F64x2 r = (row.rcp * m - lanes(1.0)) + scaledRemainder(c, bits) * row.rcp;
-    F64x2 p = r + (r * r) * series<kTerms>(r);
-    return (e * lanes(kLn2Hi) + row.t) + p;
+    return lnReduced26<kTerms>(bits, row.t, r);
+}
+template <int kTerms>
+inline F64x2 lnOf26(F64x2 u) {
+    I32x4 bits = bitsOf(u);
+    Rows26 row = gatherRows(kLnTable26, rowOf512<LogRow26>(bits));
+    F64x2 m = asF64x2(fractionAsOne(bits));
+    return lnReduced26<kTerms>(bits, row.t, row.rcp * m - lanes(1.0));
 }
 
 // ln(u + c) + eShift ln 2 on the head-tail table (Ln 53: rcp, Th, Tt), for
