@@ -360,6 +360,36 @@ ORVVM_API OrvStatus orvsTanh_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len
 ORVVM_API OrvStatus orvsTanh_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsTanh_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
 
+/* Acosh, Asinh, Atanh (real): dst[i] = acosh, asinh or atanh of src[i].
+ * Shape U.  Each is the logarithm of a number built from |x| with its low
+ * bits kept, so asinh and atanh keep full relative accuracy next to 0 and
+ * acosh next to 1.  asinh and atanh are odd bit for bit (-0 gives -0),
+ * acosh(1) is +0, +-inf give +-inf (asinh) and +inf (acosh).  Acosh warns
+ * orvStatusDomain for x < 1 (the default NaN; orvsAcosh_64f_A53 also raises
+ * invalid).  Atanh warns orvStatusSingularity for x = +-1 (+-inf) and
+ * orvStatusDomain for |x| > 1 (the default NaN); within a rejected block of
+ * all its members but orvsAtanh_64f_A53 the singularity is written last.
+ * A NaN gives that NaN made quiet, no status.  The 64f A26 and A50 members
+ * of each family are one routine. */
+ORVVM_API OrvStatus orvsAcosh_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAcosh_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAcosh_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAcosh_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAcosh_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAcosh_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsinh_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsinh_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsinh_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsinh_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsinh_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsinh_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtanh_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtanh_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtanh_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtanh_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtanh_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtanh_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
 /* ---- Division and reciprocal -------------------------------------------
  * Real members.  The lower tiers avoid the hardware division: A11 uses the
  * processor's approximate reciprocal (rcpps, about 12 bits) and A21 adds
