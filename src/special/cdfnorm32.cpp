@@ -197,19 +197,23 @@ Interval ordinary() { return {kLow, kHigh}; }
 Interval lowerTail() { return {kLow - 1.0, -12.5}; }
 }  // namespace
 
+// The largest errors found on the harness's samples and on 1.2 10^5 more
+// per member (sampled, not exhaustive); A11 and A21 are one computation and
+// share the larger figure.  The largest errors lie in the lower tail near
+// -8, where G's cubic fits reach 2^-23.4.
 ORV_RECORDS(
     {.member = "orvsCdfNorm_32f_A11",
-     .maxUlp = 0,
-     .worst = {0.0},
+     .maxUlp = 1.69,
+     .worst = {floatFromBits(0xC10389D9)},  // -8.22115421
      .ranges = {ordinary(), lowerTail(), kFinite32},
      .sameAs = "orvsCdfNorm_32f_A21"},
     {.member = "orvsCdfNorm_32f_A21",
-     .maxUlp = 0,
-     .worst = {0.0},
+     .maxUlp = 1.69,
+     .worst = {floatFromBits(0xC10389D9)},
      .ranges = {ordinary(), lowerTail(), kFinite32}},
     {.member = "orvsCdfNorm_32f_A24",
-     .maxUlp = 0,
-     .worst = {0.0},
+     .maxUlp = 0.53,
+     .worst = {floatFromBits(0xC1129068)},  // -9.16025543
      .ranges = {ordinary(), lowerTail(), kFinite32}})
 }  // namespace orv
 #endif

@@ -30,8 +30,10 @@
 //        g1 in head and tail, G = gh + gl (gh of 26 bits).  The product is
 //        kept as W + Wt, W = gh T0 S (gh T0 exact), Wt = (gl T0 + (gh El +
 //        gl El)) S with El = P (T0 + T1) + T1, and the result is the
-//        compensated v + (((C - v) - W) - Wt), v = C - W.  (gaussian.h
-//        holds the pieces this shares with Erfc.)
+//        compensated v + (((C - v) - W) - Wt), v = C - W; below x = -36,
+//        where W S or Wt S may be subnormal, it is C - (gh T0 + Wt/S) S
+//        instead, so that the result is rounded into the subnormals once.
+//        (gaussian.h holds the pieces this shares with Erfc.)
 //
 // Limits.  Above HI = 8.29236108 Phi(x) rounds to 1.0.  Below LO the
 // product is zeroed too, so the result is +0: LO = -38.4854083 in A50 and
@@ -71,6 +73,11 @@ namespace {
 constexpr double kHigh = doubleFromBits(0x402095B059D67C4C);   // 8.2923610758135951
 constexpr double kLow26 = doubleFromBits(0xC042C27B05BF1A0A);  // -37.519379347144493
 constexpr double kLow50 = doubleFromBits(0xC0433E21DC3F3BD7);  // -38.485408335567335, A50 and A53
+// Below -36 (Phi(x) < 2^-940) A53 scales its sum once: Phi(x) is the
+// smallest normal double at A26's LO, and W S or Wt S (some 2^-26 of the
+// result) may be subnormal from a little above it.
+constexpr double kScaledSumBelow = -36.0;
+static_assert(kScaledSumBelow > kLow26);
 constexpr double kMinusHalf = -0.5;
 constexpr double kHalf = 0.5;
 
@@ -167,10 +174,19 @@ inline F64x2 cdfNorm53(F64x2 x) {
     F64x2 el = ex.p * (t0 + t1) + t1;
     // gh T0 is exact (26 bits times 27 bits); gh first, so that a NaN comes
     // out as x's own.
-    F64x2 w = andNot(mulOrdered(g.h, t0) * ex.s, s.outside);
-    F64x2 wt = andNot((g.e * t0 + (g.h * el + g.e * el)) * ex.s, s.outside);
+    F64x2 w0 = mulOrdered(g.h, t0);
+    F64x2 wt0 = g.e * t0 + (g.h * el + g.e * el);
+    F64x2 w = andNot(w0 * ex.s, s.outside);
+    F64x2 wt = andNot(wt0 * ex.s, s.outside);
     F64x2 v = s.c - w;
-    return v + (((s.c - v) - w) - wt);
+    F64x2 compensated = v + (((s.c - v) - w) - wt);
+    // Far down the lower tail W S or Wt S would round into the subnormals
+    // and the sum round again (up to 1 ulp): there the sum is scaled once,
+    // after a rounding to 53 bits that costs at most 1/4 of a subnormal
+    // ulp.  With C = 0 and both scalings exact the two forms are the same
+    // rounding of the same sum, so they differ only where that helps.
+    F64x2 scaledSum = s.c - andNot((w0 + wt0) * ex.s, s.outside);
+    return select(cmpLt(x, splat(kScaledSumBelow)), scaledSum, compensated);
 }
 
 // ---- Warnings -----------------------------------------------------------------
@@ -254,21 +270,28 @@ Interval ordinary(double low) { return {low, kHigh}; }
 Interval lowerTail() { return {kLow50 - 1.0, -36.0}; }
 }  // namespace
 
+// The largest errors found on the harness's samples and on 1.2 10^5 more
+// per member (sampled).
 ORV_RECORDS(
+    // m = -x^2/2 rounded once and G of degree 6: about 28 correct bits.
     {.member = "orvsCdfNorm_64f_A26",
-     .maxUlp = 0,
-     .worst = {0.0},
+     .maxUlp = 2.71e7,
+     .worst = {doubleFromBits(0xC03340F137322C65)},  // -19.253680658101434
      .ranges = {ordinary(kLow26), lowerTail(), kFinite64},
      .exclusions = {excludeMagnitudes({{-kLow26, -kLow50}},
                                       "below LO = -37.519 the result is +0 by design (the power of two is kept "
-                                      "normal), where Phi(x) is still up to 2.9e-308")}},
+                                      "normal), where Phi(x) falls from the smallest normal double to half the "
+                                      "smallest subnormal")}},
     {.member = "orvsCdfNorm_64f_A50",
-     .maxUlp = 0,
-     .worst = {0.0},
+     .maxUlp = 2.84,
+     .worst = {doubleFromBits(0xC001736478FAB320)},  // -2.1813439799792746
      .ranges = {ordinary(kLow50), lowerTail(), kFinite64}},
+    // The largest error is at the top of the subnormal results, where the
+    // scaled sum rounds twice, to 53 bits and then to the subnormal's
+    // precision; about 0.55 ulp on normal results.
     {.member = "orvsCdfNorm_64f_A53",
-     .maxUlp = 0,
-     .worst = {0.0},
+     .maxUlp = 0.75,
+     .worst = {doubleFromBits(0xC042C2DD5B05C755)},  // -37.522380235501863
      .ranges = {ordinary(kLow50), lowerTail(), kFinite64}})
 }  // namespace orv
 #endif
