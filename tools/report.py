@@ -639,7 +639,8 @@ def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, in
           "at " + " / ".join(f"{s:,}" for s in sizes) + " elements; \"ordinary elem/ns\" repeats the rate on "
           "the ordinary range for comparison. Accuracy on these ranges is part of the maximum in the table "
           "above, which samples every recorded range.\n")
-        head = ["member", "elem/ns", "ordinary elem/ns"] + [f"vs {KIND_TITLES[k]}" for k in KINDS]
+        kinds = [k for k in KINDS if any(ratio(m, sz, "large", k) for m in large_members for sz in sizes)]
+        head = ["member", "elem/ns", "ordinary elem/ns"] + [f"vs {KIND_TITLES[k]}" for k in kinds]
         w("| " + " | ".join(head) + " |")
         w("|---|" + "|".join(["--:"] * (len(head) - 1)) + "|")
         for m in large_members:
@@ -647,7 +648,7 @@ def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, in
             for inp in ("large", "ordinary"):
                 rates = [rate(m, s, inp) for s in sizes]
                 cells.append(" / ".join("–" if v is None else f"{v:.3g}" for v in rates))
-            for kind in KINDS:
+            for kind in kinds:
                 vs = [ratio(m, s, "large", kind) for s in sizes]
                 cells.append("" if all(v is None for v in vs) else " / ".join(fmt_ratio(v) for v in vs))
             w("| " + " | ".join(cells) + " |")
