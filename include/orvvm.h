@@ -495,6 +495,22 @@ ORVVM_API OrvStatus orvsErfc_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len
 ORVVM_API OrvStatus orvsErfc_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsErfc_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsErfc_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+/* CdfNorm: dst[i] = Phi(src[i]), the standard normal distribution function
+ * 0.5 * erfc(-x / sqrt 2), to full relative accuracy down into the subnormal
+ * results of the lower tail.  Shape U.  Above an upper limit (5.42 for
+ * floats, 8.29 for doubles) the result is 1.0; below a lower limit
+ * (-14.17 for floats, -38.49 for doubles, -37.52 in orvsCdfNorm_64f_A26)
+ * it is +0, and every finite such element warns orvStatusUnderflow and
+ * raises the underflow flag (not in orvsCdfNorm_64f_A26, which has no
+ * warning).  -inf gives +0, +inf 1.0, +-0 give 0.5, a NaN gives a NaN.
+ * The x87 control word is guarded; MXCSR is used as the caller set it.
+ * orvsCdfNorm_32f_A11 and orvsCdfNorm_32f_A21 give equal results. */
+ORVVM_API OrvStatus orvsCdfNorm_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCdfNorm_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCdfNorm_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCdfNorm_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCdfNorm_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCdfNorm_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
 /* ---- Inverse trigonometric functions ------------------------------------
  * Asin, Acos: the whole domain is handled in the block loop.  +-1 give
  * exact values (Asin: +-pi/2, Acos: 0 and pi); |x| > 1 and the infinities
