@@ -1,0 +1,45 @@
+// The real routines in extended precision that the complex kernels share.
+//
+// Every routine takes the address of its result first, then the address of
+// its argument or arguments, all extended values (the x87 80-bit format in a
+// 16-byte slot, src/frame/x87.h).  Every routine assumes that the caller's
+// frame has set the x87 control word to a 64-bit significand and rounding to
+// nearest; under any other word the results lose what the word takes away.
+//
+// All are polynomial (no x87 square root, arctangent, logarithm, 2^x or sine
+// instruction), handle NaN, infinities and zeros at entry, and are accurate
+// to a few units of the 64-bit significand on their whole domain, so that a
+// kernel rounding to double at the end stays below one ulp of a double.
+// The measured bound of each routine stands next to its definition in
+// src/complex/ext_*.cpp.
+#pragma once
+
+#include "frame/x87.h"
+
+namespace orv {
+
+void extAbs(Extended* r, const Extended* x);
+void extSqrt(Extended* r, const Extended* x);
+void extLog(Extended* r, const Extended* x);
+void extLog1p(Extended* r, const Extended* x);
+void extExp(Extended* r, const Extended* x);
+void extSinhCosh(Extended* sh, Extended* ch, const Extended* x);
+void extSinh(Extended* r, const Extended* x);
+void extCosh(Extended* r, const Extended* x);
+void extTanh(Extended* r, const Extended* x);
+void extSin(Extended* r, const Extended* x);
+void extCos(Extended* r, const Extended* x);
+void extSinCos(Extended* s, Extended* c, const Extended* x);
+void extTan(Extended* r, const Extended* x);
+// r = x - q (pi/2) with |r| <= pi/4 (to rounding); returns q mod 4.  For any
+// finite x, huge ones included.
+int extReduce(Extended* r, const Extended* x);
+void extAtan(Extended* r, const Extended* x);
+void extAtan2(Extended* r, const Extended* y, const Extended* x);
+void extAsin(Extended* r, const Extended* x);
+void extAcos(Extended* r, const Extended* x);
+void extAsinh(Extended* r, const Extended* x);
+void extAcosh(Extended* r, const Extended* x);
+void extAtanh(Extended* r, const Extended* x);
+
+}  // namespace orv
