@@ -96,13 +96,13 @@ struct Worst {
     }
 };
 
-[[maybe_unused]] void report(const char* name, const Worst& w) {
+void report(const char* name, const Worst& w) {
     std::printf("  %-12s max %.3f ulp64 at %.21Lg\n", name, w.ulps, w.at);
 }
 
 // Measures f against ref over n magnitudes in [lo, hi], each with a random
 // sign when signed is set.
-[[maybe_unused]] Worst sweep(Unary f, MpfrUnary ref, Extended lo, Extended hi, bool sign, int n, uint64_t seed) {
+Worst sweep(Unary f, MpfrUnary ref, Extended lo, Extended hi, bool sign, int n, uint64_t seed) {
     Sampler s(seed);
     Worst w;
     Mp x, exact;
@@ -123,7 +123,7 @@ bool sameBits(Extended a, Extended b) {
     const ExtendedBits x = extendedBits(a), y = extendedBits(b);
     return x.significand == y.significand && x.signExponent == y.signExponent;
 }
-[[maybe_unused]] bool isQuietNan(Extended a) {
+bool isQuietNan(Extended a) {
     const ExtendedBits b = extendedBits(a);
     return (b.signExponent & 0x7FFF) == 0x7FFF && (b.significand & kQuietBit) && (b.significand << 1);
 }
@@ -153,6 +153,37 @@ TEST_F(ExtendedTest, AbsIsExactAndQuietsNans) {
     const Extended sq = call(orv::extAbs, -kSignallingNan);
     EXPECT_EQ(extendedBits(sq).significand, extendedBits(kSignallingNan).significand | kQuietBit);
     EXPECT_EQ(extendedBits(sq).signExponent, 0x7FFF);
+}
+
+// ---- extSqrt ------------------------------------------------------------------
+
+TEST_F(ExtendedTest, SqrtAgainstMpfr) {
+    // The whole range, subnormal extended values included, and the
+    // binades around 1 where the seed cells are tested densely.
+    Worst w = sweep(orv::extSqrt, mpfr_sqrt, 0x1p-16445L, 0x1p16383L, false, 100000, 11);
+    const Worst near = sweep(orv::extSqrt, mpfr_sqrt, 1.0L, 4.0L, false, 100000, 12);
+    if (near.ulps > w.ulps) w = near;
+    report("extSqrt", w);
+    EXPECT_LE(w.ulps, orv::kExtSqrtBound) << "at " << double(w.at);
+    // Squares of integers come out exact.
+    Sampler s(13);
+    for (int i = 0; i < 1000; ++i) {
+        const Extended k = Extended(uint64_t(s.magnitude(1.0L, 0x1p32L)));
+        EXPECT_TRUE(sameBits(call(orv::extSqrt, k * k), k));
+    }
+}
+
+TEST_F(ExtendedTest, SqrtSpecialValues) {
+    EXPECT_TRUE(sameBits(call(orv::extSqrt, 0.0L), 0.0L));
+    EXPECT_TRUE(sameBits(call(orv::extSqrt, -0.0L), -0.0L));
+    EXPECT_TRUE(sameBits(call(orv::extSqrt, kInf), kInf));
+    EXPECT_TRUE(isQuietNan(call(orv::extSqrt, -kInf)));
+    EXPECT_TRUE(isQuietNan(call(orv::extSqrt, -0x1p-16445L)));
+    EXPECT_TRUE(isQuietNan(call(orv::extSqrt, -2.0L)));
+    EXPECT_TRUE(isQuietNan(call(orv::extSqrt, kSignallingNan)));
+    EXPECT_EQ(extendedBits(call(orv::extSqrt, kQuietNan)).significand, extendedBits(kQuietNan).significand);
+    EXPECT_TRUE(sameBits(call(orv::extSqrt, 0x1p-16444L), 0x1p-8222L));  // an even subnormal power
+    EXPECT_TRUE(sameBits(call(orv::extSqrt, 0x1p16382L), 0x1p8191L));
 }
 
 }  // namespace

@@ -10,8 +10,10 @@
 // instruction), handle NaN, infinities and zeros at entry, and are accurate
 // to a few units of the 64-bit significand on their whole domain, so that a
 // kernel rounding to double at the end stays below one ulp of a double.
-// The measured bound of each routine stands next to its definition in
-// src/complex/ext_*.cpp.
+// Next to each declaration stands the routine's error bound in units of the
+// 64-bit significand (one unit is 2^-63 of the exact result's binade), as
+// measured against MPFR by tests/test_extended.cpp, which holds every
+// routine to it.
 #pragma once
 
 #include "frame/x87.h"
@@ -20,6 +22,7 @@ namespace orv {
 
 void extAbs(Extended* r, const Extended* x);
 void extSqrt(Extended* r, const Extended* x);
+inline constexpr double kExtSqrtBound = 0.51;
 void extLog(Extended* r, const Extended* x);
 void extLog1p(Extended* r, const Extended* x);
 void extExp(Extended* r, const Extended* x);
