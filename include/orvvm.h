@@ -212,6 +212,20 @@ ORVVM_API OrvStatus orvsSqrt_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len
 ORVVM_API OrvStatus orvsSqrt_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsSqrt_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsSqrt_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+/* Sqrt (complex): the principal root, real part >= 0 and imaginary part
+   with the sign of Im src[i] (signed zeros included).  Special values as
+   C99 csqrt: an infinite imaginary part gives +inf + i that infinity, also
+   beside a NaN; -inf + iy gives +0 + i inf, +inf + iy gives +inf + i 0
+   with the sign of y (NaN in the other part for a NaN y); a NaN elsewhere
+   gives NaN + i NaN.  Arguments checked len, then src, dst; status always
+   orvStatusOk.  32fc A11 and A21 are one routine, and so are 64fc A26 and
+   A50; the 64fc A26 and A50 members run in the caller's MXCSR modes. */
+ORVVM_API OrvStatus orvsSqrt_32fc_A11(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_32fc_A21(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_32fc_A24(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_64fc_A26(const Orv64fc* src, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_64fc_A50(const Orv64fc* src, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_64fc_A53(const Orv64fc* src, Orv64fc* dst, int32_t len);
 
 /* InvSqrt: dst[i] = 1 / sqrt(src[i]).  Shape U.  +-0 gives +-infinity and
    orvStatusSingularity; a negative argument gives a NaN and
