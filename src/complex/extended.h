@@ -24,25 +24,42 @@ void extAbs(Extended* r, const Extended* x);
 void extSqrt(Extended* r, const Extended* x);
 inline constexpr double kExtSqrtBound = 0.51;
 void extLog(Extended* r, const Extended* x);
+inline constexpr double kExtLogBound = 1.0;
 void extLog1p(Extended* r, const Extended* x);
+inline constexpr double kExtLog1pBound = 0.65;
 void extExp(Extended* r, const Extended* x);
-void extSinhCosh(Extended* sh, Extended* ch, const Extended* x);
+inline constexpr double kExtExpBound = 0.55;
+void extSinhCosh(Extended* sh, Extended* ch, const Extended* x);  // the bounds of extSinh and extCosh
 void extSinh(Extended* r, const Extended* x);
+inline constexpr double kExtSinhBound = 0.85;
 void extCosh(Extended* r, const Extended* x);
+inline constexpr double kExtCoshBound = 0.95;
 void extTanh(Extended* r, const Extended* x);
+inline constexpr double kExtTanhBound = 1.05;
 void extSin(Extended* r, const Extended* x);
+inline constexpr double kExtSinBound = 0.75;
 void extCos(Extended* r, const Extended* x);
-void extSinCos(Extended* s, Extended* c, const Extended* x);
+inline constexpr double kExtCosBound = 0.75;
+void extSinCos(Extended* s, Extended* c, const Extended* x);  // the bounds of extSin and extCos
 void extTan(Extended* r, const Extended* x);
+inline constexpr double kExtTanBound = 2.0;
 // r = x - q (pi/2) with |r| <= pi/4 (to rounding); returns q mod 4.  For any
 // finite x, huge ones included.
 int extReduce(Extended* r, const Extended* x);
+inline constexpr double kExtReduceBound = 0.55;
 void extAtan(Extended* r, const Extended* x);
+inline constexpr double kExtAtanBound = 1.45;
 void extAtan2(Extended* r, const Extended* y, const Extended* x);
+inline constexpr double kExtAtan2Bound = 1.45;  // the core of extAtan
 void extAsin(Extended* r, const Extended* x);
+inline constexpr double kExtAsinBound = 1.3;
 void extAcos(Extended* r, const Extended* x);
+inline constexpr double kExtAcosBound = 1.8;
 void extAsinh(Extended* r, const Extended* x);
+inline constexpr double kExtAsinhBound = 1.55;
 void extAcosh(Extended* r, const Extended* x);
+inline constexpr double kExtAcoshBound = 1.15;
 void extAtanh(Extended* r, const Extended* x);
+inline constexpr double kExtAtanhBound = 1.15;
 
 }  // namespace orv
