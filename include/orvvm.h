@@ -179,6 +179,19 @@ ORVVM_API OrvStatus orvsExp_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len)
 ORVVM_API OrvStatus orvsExp_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsExp_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsExp_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+/* Exp (complex): dst[i] = e^re (cos im + i sin im).  Arguments checked len,
+   then src, dst; status always orvStatusOk.  Special values as C99 cexp:
+   a zero imaginary part gives e^re + i im (its sign kept); an infinite or
+   NaN imaginary part gives NaN parts (invalid raised for an infinite one),
+   except beside re = -inf (+0 + i0) and re = +inf (+inf + i NaN).  The x87
+   word is held at 64-bit precision for the call; MXCSR is the caller's.
+   32fc A11 and A21 are one routine, and so are the three 64fc tiers. */
+ORVVM_API OrvStatus orvsExp_32fc_A11(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_32fc_A21(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_32fc_A24(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_64fc_A26(const Orv64fc* src, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_64fc_A50(const Orv64fc* src, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_64fc_A53(const Orv64fc* src, Orv64fc* dst, int32_t len);
 
 /* ---- Exponential minus one ---------------------------------------------
  * Expm1: dst[i] = e^src[i] - 1, with full relative accuracy near 0 (tiny
@@ -290,6 +303,19 @@ ORVVM_API OrvStatus orvsLog10_32f_A24(const Orv32f* src, Orv32f* dst, int32_t le
 ORVVM_API OrvStatus orvsLog10_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsLog10_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsLog10_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+/* Log10 (complex): dst[i] = log10|src[i]| + i arg(src[i]) log10(e), the
+   argument in [-pi, pi] with the sign of the imaginary part (the cut along
+   the negative real axis, a signed zero choosing its side).  0 gives -inf
+   (divide-by-zero raised); an infinite part gives +inf; a NaN gives NaN
+   parts (+inf beside an infinite other part).  Arguments checked len, then
+   src, dst; status always orvStatusOk.  The three tiers of a width are one
+   routine. */
+ORVVM_API OrvStatus orvsLog10_32fc_A11(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_32fc_A21(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_32fc_A24(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_64fc_A26(const Orv64fc* src, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_64fc_A50(const Orv64fc* src, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_64fc_A53(const Orv64fc* src, Orv64fc* dst, int32_t len);
 
 /* ---- Logarithm of one plus x -------------------------------------------
  * Log1p: dst[i] = ln(1 + src[i]), with full relative accuracy near 0 (tiny
@@ -334,6 +360,24 @@ ORVVM_API OrvStatus orvsPowx_32f_A24(const Orv32f* src, Orv32f constant, Orv32f*
 ORVVM_API OrvStatus orvsPowx_64f_A26(const Orv64f* src, Orv64f constant, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsPowx_64f_A50(const Orv64f* src, Orv64f constant, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsPowx_64f_A53(const Orv64f* src, Orv64f constant, Orv64f* dst, int32_t len);
+/* Pow, Powx (complex): e^(w ln z) with z = src1[i] (src[i]) and w = src2[i]
+   (the constant, passed by value): the logarithm rounded to double, a
+   plain complex product in double, and the exponential, with no special
+   case of their own (pow(0, w) and pow(z, 0) are what that gives).
+   Arguments checked len, then the pointers in order; status always
+   orvStatusOk.  The three tiers of a width are one routine. */
+ORVVM_API OrvStatus orvsPow_32fc_A11(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow_32fc_A21(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow_32fc_A24(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow_64fc_A26(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow_64fc_A50(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow_64fc_A53(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsPowx_32fc_A11(const Orv32fc* src, Orv32fc constant, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsPowx_32fc_A21(const Orv32fc* src, Orv32fc constant, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsPowx_32fc_A24(const Orv32fc* src, Orv32fc constant, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsPowx_64fc_A26(const Orv64fc* src, Orv64fc constant, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsPowx_64fc_A50(const Orv64fc* src, Orv64fc constant, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsPowx_64fc_A53(const Orv64fc* src, Orv64fc constant, Orv64fc* dst, int32_t len);
 
 /* ---- Hyperbolic functions (real) ---------------------------------------
  * Sinh: dst[i] = sinh(src[i]).  Cosh: dst[i] = cosh(src[i]).  Shape U.

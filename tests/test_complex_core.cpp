@@ -27,6 +27,9 @@ struct Members {
     Unary32 m32[3];
     Unary64 m64[3];
 };
+const Members kExp{"Exp",
+                   {orvsExp_32fc_A11, orvsExp_32fc_A21, orvsExp_32fc_A24},
+                   {orvsExp_64fc_A26, orvsExp_64fc_A50, orvsExp_64fc_A53}};
 const Members kSqrt{"Sqrt",
                     {orvsSqrt_32fc_A11, orvsSqrt_32fc_A21, orvsSqrt_32fc_A24},
                     {orvsSqrt_64fc_A26, orvsSqrt_64fc_A50, orvsSqrt_64fc_A53}};
@@ -168,6 +171,76 @@ TEST(ComplexSqrt, ScaledElementsSquareBack) {
         }
 }
 
+// ---- Exp ------------------------------------------------------------------------
+
+TEST(ComplexExp, SpecialValuesInEveryTierAloneAndInBlocks) {
+    checkTable(kExp, {
+                         {0.0, 0.0, V(1.0), V(0.0), 0},
+                         {-0.0, 0.0, V(1.0), V(0.0), 0},
+                         {0.0, -0.0, V(1.0), V(-0.0), 0},
+                         {-0.0, -0.0, V(1.0), V(-0.0), 0},
+                         {kInf, kNan, V(kInf), kAnyNan, 0},
+                         {-kInf, kNan, kAnyZero, kAnyZero, 0},
+                         {-kInf, kInf, kAnyZero, V(0.0), 0},
+                         {-kInf, -kInf, kAnyZero, V(-0.0), 0},
+                         {kInf, kInf, V(kInf), kAnyNan, FE_INVALID},
+                         {kInf, -kInf, V(kInf), kAnyNan, FE_INVALID},
+                         {1.0, kInf, kAnyNan, kAnyNan, FE_INVALID},
+                         {-3.0, -kInf, kAnyNan, kAnyNan, FE_INVALID},
+                         {1.0, kNan, kAnyNan, kAnyNan, 0},
+                         {kNan, 0.0, kAnyNan, V(0.0), 0},
+                         {kNan, -0.0, kAnyNan, V(-0.0), 0},
+                         {kNan, 1.0, kAnyNan, kAnyNan, 0},
+                         {kNan, kInf, kAnyNan, kAnyNan, 0},
+                         {kInf, 0.0, V(kInf), V(0.0), 0},
+                         {kInf, -0.0, V(kInf), V(-0.0), 0},
+                         {-kInf, 0.0, V(0.0), V(0.0), 0},
+                         {-kInf, 1.0, V(0.0), V(0.0), 0},
+                         {-kInf, 2.0, V(-0.0), V(0.0), 0},
+                         {kInf, 2.0, V(-kInf), V(kInf), 0},
+                         {kInf, -2.0, V(-kInf), V(-kInf), 0},
+                         {3000.0, 1.0, V(kInf), V(kInf), FE_OVERFLOW},
+                         {-3000.0, 1.0, V(0.0), V(0.0), 0},
+                     });
+}
+
+// A part that rounds to a subnormal raises underflow, in the kernel and in
+// the blocks alike; the status stays orvStatusOk.
+TEST(ComplexExp, SubnormalPartsRaiseUnderflow) {
+    for (int t = 0; t < 3; ++t) {
+        Orv64fc z64{-740.0, 1.0}, r64;
+        std::feclearexcept(FE_ALL_EXCEPT);
+        EXPECT_EQ(kExp.m64[t](&z64, &r64, 1), orvStatusOk);
+        EXPECT_TRUE(std::fetestexcept(FE_UNDERFLOW));
+        EXPECT_TRUE(r64.re > 0 && r64.re < 0x1p-1022);
+        Orv32fc z32{-100.0f, 1.0f}, r32;
+        std::feclearexcept(FE_ALL_EXCEPT);
+        EXPECT_EQ(kExp.m32[t](&z32, &r32, 1), orvStatusOk);
+        EXPECT_TRUE(std::fetestexcept(FE_UNDERFLOW));
+        EXPECT_TRUE(r32.re > 0 && r32.re < 0x1p-126f);
+    }
+}
+
+// The edge of the binary32 block's screen: just above 87.3365479 the kernel
+// takes the element, and its value is as good as the block's just below;
+// both are held against the top tier's value.
+TEST(ComplexExp, ScreenEdgeOfTheBinary32Block) {
+    const float limit = f32(0x42AEAC50);
+    // Below, y = 0 keeps e^x normal; above, y = 0.75 tests both parts.
+    for (float x : {limit, std::nextafter(limit, 100.0f), -limit, std::nextafter(-limit, -100.0f)}) {
+        const float y = x > 0 ? 0.75f : 0.0f;
+        std::vector<Orv32fc> z(16, Orv32fc{x, y}), low(16), top(16);
+        orvsExp_32fc_A11(z.data(), low.data(), 16);
+        orvsExp_32fc_A24(z.data(), top.data(), 16);
+        for (int i : {0, 15}) {
+            EXPECT_NEAR(low[i].re / top[i].re, 1.0, 4 * 0x1p-23) << x;
+            if (y != 0) {
+                EXPECT_NEAR(low[i].im / top[i].im, 1.0, 4 * 0x1p-23) << x;
+            }
+        }
+    }
+}
+
 // ---- The x87 word -----------------------------------------------------------------
 
 // A call made with the x87 word in 24- or 53-bit precision leaves the word
@@ -204,8 +277,10 @@ std::vector<Orv32fc> mixed32() {
     return v;
 }
 
-TEST(ComplexX87Word, SqrtKeepsTheCallersWordAndItsBits) {
+TEST(ComplexX87Word, KeepsTheCallersWordAndItsBits) {
     for (int t = 0; t < 3; ++t) {
+        checkX87Word(kExp.m32[t], mixed32());
+        checkX87Word(kExp.m64[t], mixed64());
         checkX87Word(kSqrt.m32[t], mixed32());
         checkX87Word(kSqrt.m64[t], mixed64());
     }
