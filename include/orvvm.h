@@ -360,24 +360,6 @@ ORVVM_API OrvStatus orvsPowx_32f_A24(const Orv32f* src, Orv32f constant, Orv32f*
 ORVVM_API OrvStatus orvsPowx_64f_A26(const Orv64f* src, Orv64f constant, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsPowx_64f_A50(const Orv64f* src, Orv64f constant, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsPowx_64f_A53(const Orv64f* src, Orv64f constant, Orv64f* dst, int32_t len);
-/* Pow, Powx (complex): e^(w ln z) with z = src1[i] (src[i]) and w = src2[i]
-   (the constant, passed by value): the logarithm rounded to double, a
-   plain complex product in double, and the exponential, with no special
-   case of their own (pow(0, w) and pow(z, 0) are what that gives).
-   Arguments checked len, then the pointers in order; status always
-   orvStatusOk.  The three tiers of a width are one routine. */
-ORVVM_API OrvStatus orvsPow_32fc_A11(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
-ORVVM_API OrvStatus orvsPow_32fc_A21(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
-ORVVM_API OrvStatus orvsPow_32fc_A24(const Orv32fc* src1, const Orv32fc* src2, Orv32fc* dst, int32_t len);
-ORVVM_API OrvStatus orvsPow_64fc_A26(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
-ORVVM_API OrvStatus orvsPow_64fc_A50(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
-ORVVM_API OrvStatus orvsPow_64fc_A53(const Orv64fc* src1, const Orv64fc* src2, Orv64fc* dst, int32_t len);
-ORVVM_API OrvStatus orvsPowx_32fc_A11(const Orv32fc* src, Orv32fc constant, Orv32fc* dst, int32_t len);
-ORVVM_API OrvStatus orvsPowx_32fc_A21(const Orv32fc* src, Orv32fc constant, Orv32fc* dst, int32_t len);
-ORVVM_API OrvStatus orvsPowx_32fc_A24(const Orv32fc* src, Orv32fc constant, Orv32fc* dst, int32_t len);
-ORVVM_API OrvStatus orvsPowx_64fc_A26(const Orv64fc* src, Orv64fc constant, Orv64fc* dst, int32_t len);
-ORVVM_API OrvStatus orvsPowx_64fc_A50(const Orv64fc* src, Orv64fc constant, Orv64fc* dst, int32_t len);
-ORVVM_API OrvStatus orvsPowx_64fc_A53(const Orv64fc* src, Orv64fc constant, Orv64fc* dst, int32_t len);
 
 /* ---- Hyperbolic functions (real) ---------------------------------------
  * Sinh: dst[i] = sinh(src[i]).  Cosh: dst[i] = cosh(src[i]).  Shape U.

@@ -241,6 +241,49 @@ TEST(ComplexExp, ScreenEdgeOfTheBinary32Block) {
     }
 }
 
+// ---- Log10 ----------------------------------------------------------------------
+
+// The special values of the logarithm, scaled by log10(e) where finite, in
+// every tier of both widths: the pole, the cut's signed zeros, infinities
+// and NaN.
+TEST(ComplexLog10, SpecialValuesAndThePole) {
+    using U32 = Unary32;
+    using U64 = Unary64;
+    const Members log10{"Log10",
+                        {U32(orvsLog10_32fc_A11), U32(orvsLog10_32fc_A21), U32(orvsLog10_32fc_A24)},
+                        {U64(orvsLog10_64fc_A26), U64(orvsLog10_64fc_A50), U64(orvsLog10_64fc_A53)}};
+    const double piLog10e = 0x1.5d47c4cb2fba1p+0;  // pi log10(e), rounded to double
+    checkTable(log10, {
+                          {0.0, 0.0, V(-kInf), V(0.0), FE_DIVBYZERO},
+                          {0.0, -0.0, V(-kInf), V(-0.0), FE_DIVBYZERO},
+                          {-0.0, 0.0, V(-kInf), V(piLog10e), FE_DIVBYZERO},
+                          {-0.0, -0.0, V(-kInf), V(-piLog10e), FE_DIVBYZERO},
+                          {1.0, 0.0, V(0.0), V(0.0), 0},
+                          {kNan, kInf, V(kInf), kAnyNan, 0},
+                          {kInf, kNan, V(kInf), kAnyNan, 0},
+                          {kNan, 1.0, kAnyNan, kAnyNan, 0},
+                          {kInf, -0.0, V(kInf), V(-0.0), 0},
+                          {10.0, 0.0, V(1.0), V(0.0), 0},
+                      });
+}
+
+// On the unit circle ln|z| is tiny and comes from the exact residual
+// x^2 + y^2 - 1 of the doubles, not from 0.5 ln of a rounded square: here
+// the residual is worked out in binary128, where both squares are exact.
+TEST(ComplexLog10, NearTheUnitCircleFromTheExactResidual) {
+    const Orv64fc points[] = {{0.6, 0.8}, {0.8, -0.6}, {-0.28, 0.96}, {0.7071067811865476, 0.7071067811865476}};
+    for (const Orv64fc& z : points)
+        for (Unary64 f : {orvsLog10_64fc_A26, orvsLog10_64fc_A53}) {
+            Orv64fc r;
+            f(&z, &r, 1);
+            __float128 x = z.re, y = z.im;
+            double residual = double(x * x + y * y - 1);
+            ASSERT_NE(residual, 0.0);
+            // log10(1 + d) / 2 = d / (2 ln 10) to far below the tolerance.
+            EXPECT_NEAR(r.re / (residual / (2 * 2.302585092994046)), 1.0, 1e-12) << z.re << " " << z.im;
+        }
+}
+
 // ---- The x87 word -----------------------------------------------------------------
 
 // A call made with the x87 word in 24- or 53-bit precision leaves the word
