@@ -179,6 +179,19 @@ ORVVM_API OrvStatus orvsExp_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len)
 ORVVM_API OrvStatus orvsExp_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsExp_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsExp_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+/* Exp (complex): dst[i] = e^re (cos im + i sin im).  Arguments checked len,
+   then src, dst; status always orvStatusOk.  Special values as C99 cexp:
+   a zero imaginary part gives e^re + i im (its sign kept); an infinite or
+   NaN imaginary part gives NaN parts (invalid raised for an infinite one),
+   except beside re = -inf (+0 + i0) and re = +inf (+inf + i NaN).  The x87
+   word is held at 64-bit precision for the call; MXCSR is the caller's.
+   32fc A11 and A21 are one routine, and so are the three 64fc tiers. */
+ORVVM_API OrvStatus orvsExp_32fc_A11(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_32fc_A21(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_32fc_A24(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_64fc_A26(const Orv64fc* src, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_64fc_A50(const Orv64fc* src, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsExp_64fc_A53(const Orv64fc* src, Orv64fc* dst, int32_t len);
 
 /* ---- Exponential minus one ---------------------------------------------
  * Expm1: dst[i] = e^src[i] - 1, with full relative accuracy near 0 (tiny
@@ -212,6 +225,20 @@ ORVVM_API OrvStatus orvsSqrt_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len
 ORVVM_API OrvStatus orvsSqrt_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsSqrt_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsSqrt_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+/* Sqrt (complex): the principal root, real part >= 0 and imaginary part
+   with the sign of Im src[i] (signed zeros included).  Special values as
+   C99 csqrt: an infinite imaginary part gives +inf + i that infinity, also
+   beside a NaN; -inf + iy gives +0 + i inf, +inf + iy gives +inf + i 0
+   with the sign of y (NaN in the other part for a NaN y); a NaN elsewhere
+   gives NaN + i NaN.  Arguments checked len, then src, dst; status always
+   orvStatusOk.  32fc A11 and A21 are one routine, and so are 64fc A26 and
+   A50; the 64fc A26 and A50 members run in the caller's MXCSR modes. */
+ORVVM_API OrvStatus orvsSqrt_32fc_A11(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_32fc_A21(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_32fc_A24(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_64fc_A26(const Orv64fc* src, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_64fc_A50(const Orv64fc* src, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsSqrt_64fc_A53(const Orv64fc* src, Orv64fc* dst, int32_t len);
 
 /* InvSqrt: dst[i] = 1 / sqrt(src[i]).  Shape U.  +-0 gives +-infinity and
    orvStatusSingularity; a negative argument gives a NaN and
@@ -276,6 +303,19 @@ ORVVM_API OrvStatus orvsLog10_32f_A24(const Orv32f* src, Orv32f* dst, int32_t le
 ORVVM_API OrvStatus orvsLog10_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsLog10_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsLog10_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+/* Log10 (complex): dst[i] = log10|src[i]| + i arg(src[i]) log10(e), the
+   argument in [-pi, pi] with the sign of the imaginary part (the cut along
+   the negative real axis, a signed zero choosing its side).  0 gives -inf
+   (divide-by-zero raised); an infinite part gives +inf; a NaN gives NaN
+   parts (+inf beside an infinite other part).  Arguments checked len, then
+   src, dst; status always orvStatusOk.  The three tiers of a width are one
+   routine. */
+ORVVM_API OrvStatus orvsLog10_32fc_A11(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_32fc_A21(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_32fc_A24(const Orv32fc* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_64fc_A26(const Orv64fc* src, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_64fc_A50(const Orv64fc* src, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsLog10_64fc_A53(const Orv64fc* src, Orv64fc* dst, int32_t len);
 
 /* ---- Logarithm of one plus x -------------------------------------------
  * Log1p: dst[i] = ln(1 + src[i]), with full relative accuracy near 0 (tiny

@@ -180,6 +180,10 @@ public:
         mpfr_ptr outs[2];
         for (int c = 0; c < 4; ++c) {
             mpfr_set_d(in_[c], s.in[c], MPFR_RNDN);
+            // A NaN input keeps its sign bit (mpfr_set_d leaves the sign
+            // of the variable's previous value): MPC gives some special
+            // values the sign of a NaN part, as csqrt(-inf + i NaN).
+            if (std::isnan(s.in[c])) mpfr_setsign(in_[c], in_[c], std::signbit(s.in[c]), MPFR_RNDN);
             ins[c] = in_[c];
         }
         for (int c = 0; c < 2; ++c) outs[c] = out_[c];
