@@ -1,0 +1,296 @@
+/*
+ * _orvvm: orvvm's vector operations as NumPy ufuncs.
+ *
+ * One inner loop serves every member.  NumPy hands it one-dimensional runs
+ * of its operands with any strides; the loop turns each run into calls of
+ * the member on contiguous arrays:
+ *
+ *  - operands that are contiguous are passed as they stand; the others are
+ *    gathered into (or, for results, scattered from) blocks on the stack;
+ *  - a run longer than a call's 32-bit count can take is split;
+ *  - a K-shaped member (a constant by value) is called once per stretch of
+ *    equal constants, once in all when the constant is broadcast;
+ *  - a run whose result is also an input at stride 0 (a reduction) is
+ *    taken one element at a time, in order, as NumPy's reduce expects.
+ *
+ * Every piece of a run starts a whole number of 128-element rounds after
+ * the start of the run (128 is the largest block a member takes), so the
+ * members whose element results depend on their neighbours in a block see
+ * the same blocks as in one call over the whole run.
+ *
+ * Statuses become NumPy floating-point errors.  Real members report
+ * through their status: the flags their arithmetic happened to raise are
+ * put back as they were, and the status raises its own (overflow 12,
+ * underflow 17, divide-by-zero for singularity 18, invalid for domain 19),
+ * which NumPy checks after the loop under np.errstate.  Complex members
+ * always return orvStatusOk and tell of their special cases by the IEEE
+ * flags alone, so theirs are left for NumPy to see.
+ *
+ * The GIL is released around the calls, also for the short runs where
+ * NumPy itself keeps it.
+ */
+#define PY_SSIZE_T_CLEAN
+#include <Python.h>
+#define NPY_NO_DEPRECATED_API NPY_1_7_API_VERSION
+#include <numpy/arrayobject.h>
+#include <numpy/ufuncobject.h>
+
+#include <fenv.h>
+#include <stdint.h>
+#include <string.h>
+
+#include "orvvm.h"
+
+/* One member as the inner loop sees it.  Operands are numbered as the
+   ufunc numbers them, inputs first; cmap[i] is the operand that the
+   member's i-th pointer argument takes, konst the operand passed by value
+   (or -1). */
+typedef struct {
+    const char* name;
+    OrvStatus (*call)(char* const* pointers, const void* constant, int32_t n);
+    int nin, nout;
+    size_t itemsize[3];
+    int npointers;
+    int cmap[3];
+    int konst;
+    int statusReports;
+} OrvMember;
+
+typedef struct {
+    const char* name;
+    const char* level;
+    const char* family;
+    int nin, nout, nloops;
+    PyUFuncGenericFunction* funcs;
+    void** data;
+    const char* types;
+    const char* doc;
+} OrvUfunc;
+
+/* The largest block a member's loop takes; pieces of a run start at
+   multiples of it. */
+enum { kRound = 128 };
+/* Elements gathered per block: four rounds (8 KiB per operand at most). */
+enum { kBlock = 4 * kRound };
+enum { kMaxOperands = 3 };
+
+/* The most elements one call may take: the 32-bit count's limit, or a
+   smaller stand-in the tests set to see runs split.  Writable state of
+   the binding, not of the library. */
+static npy_intp maxCallLength = INT32_MAX;
+/* Calls made, and whether the last one ran without the GIL: what the tests
+   read to see the splitting and the release. */
+static unsigned long long callCount;
+static int lastCallWithoutGil;
+
+static npy_intp pieceLength(void) {
+    npy_intp limit = __atomic_load_n(&maxCallLength, __ATOMIC_RELAXED);
+    return limit >= kRound ? limit - limit % kRound : limit;
+}
+
+static int flagOfStatus(OrvStatus status) {
+    switch (status) {
+    case orvStatusOk: return 0;
+    case orvStatusOverflow: return FE_OVERFLOW;
+    case orvStatusUnderflow: return FE_UNDERFLOW;
+    case orvStatusSingularity: return FE_DIVBYZERO;
+    case orvStatusDomain: return FE_INVALID;
+    /* A negative status means a bad length or pointer, which the loop
+       never passes; were it to happen, NumPy would report it as invalid
+       rather than let it go unseen. */
+    default: return FE_INVALID;
+    }
+}
+
+static int callMember(const OrvMember* m, char* const* pointers, const void* constant, npy_intp n) {
+    OrvStatus status = m->call(pointers, constant, (int32_t)n);
+    __atomic_add_fetch(&callCount, 1, __ATOMIC_RELAXED);
+    __atomic_store_n(&lastCallWithoutGil, !PyGILState_Check(), __ATOMIC_RELAXED);
+    return flagOfStatus(status);
+}
+
+/* Elements [start, start + count) of the run, with one constant. */
+static int runPiece(const OrvMember* m, char** args, npy_intp const* steps, npy_intp start, npy_intp count,
+                    const void* constant) {
+    int nops = m->nin + m->nout;
+    int contiguous = 1;
+    for (int op = 0; op < nops; ++op)
+        if (op != m->konst && steps[op] != (npy_intp)m->itemsize[op]) contiguous = 0;
+
+    int flags = 0;
+    npy_intp piece = pieceLength();
+    char* pointers[kMaxOperands];
+    if (contiguous) {
+        for (npy_intp done = 0; done < count; done += piece) {
+            npy_intp n = count - done < piece ? count - done : piece;
+            for (int i = 0; i < m->npointers; ++i) {
+                int op = m->cmap[i];
+                pointers[i] = args[op] + (start + done) * steps[op];
+            }
+            flags |= callMember(m, pointers, constant, n);
+        }
+        return flags;
+    }
+
+    _Alignas(16) char buffers[kMaxOperands][kBlock * 16];
+    npy_intp block = kBlock < piece ? kBlock : piece;
+    for (npy_intp done = 0; done < count; done += block) {
+        npy_intp n = count - done < block ? count - done : block;
+        char* at[kMaxOperands];
+        for (int op = 0; op < nops; ++op) {
+            if (op == m->konst) continue;
+            size_t size = m->itemsize[op];
+            char* first = args[op] + (start + done) * steps[op];
+            if (steps[op] == (npy_intp)size) {
+                at[op] = first;
+            } else {
+                at[op] = buffers[op];
+                if (op < m->nin)
+                    for (npy_intp i = 0; i < n; ++i) memcpy(buffers[op] + i * size, first + i * steps[op], size);
+            }
+        }
+        for (int i = 0; i < m->npointers; ++i) pointers[i] = at[m->cmap[i]];
+        flags |= callMember(m, pointers, constant, n);
+        for (int op = m->nin; op < nops; ++op) {
+            size_t size = m->itemsize[op];
+            char* first = args[op] + (start + done) * steps[op];
+            if (at[op] == buffers[op])
+                for (npy_intp i = 0; i < n; ++i) memcpy(first + i * steps[op], buffers[op] + i * size, size);
+        }
+    }
+    return flags;
+}
+
+/* A run with the constant operand (if any) varying: one piece per stretch
+   of bitwise equal constants. */
+static int runStretches(const OrvMember* m, char** args, npy_intp const* steps, npy_intp start, npy_intp count) {
+    if (m->konst < 0) return runPiece(m, args, steps, start, count, NULL);
+    const char* k = args[m->konst];
+    npy_intp step = steps[m->konst];
+    size_t size = m->itemsize[m->konst];
+    if (step == 0) return runPiece(m, args, steps, start, count, k);
+    int flags = 0;
+    npy_intp i = start, end = start + count;
+    while (i < end) {
+        npy_intp j = i + 1;
+        while (j < end && memcmp(k + j * step, k + i * step, size) == 0) ++j;
+        flags |= runPiece(m, args, steps, i, j - i, k + i * step);
+        i = j;
+    }
+    return flags;
+}
+
+static void orv_loop(char** args, npy_intp const* dimensions, npy_intp const* steps, void* data) {
+    const OrvMember* m = (const OrvMember*)data;
+    npy_intp count = dimensions[0];
+    if (count <= 0) return;
+
+    PyThreadState* saved = PyGILState_Check() ? PyEval_SaveThread() : NULL;
+    fexcept_t flagsBefore;
+    if (m->statusReports) fegetexceptflag(&flagsBefore, FE_ALL_EXCEPT);
+
+    /* A reduction: the result is also the first input, at stride 0, and
+       each element needs the one before. */
+    int reduction = 0;
+    for (int op = m->nin; op < m->nin + m->nout; ++op)
+        if (steps[op] == 0 && count > 1) reduction = 1;
+    int flags = 0;
+    if (reduction)
+        for (npy_intp i = 0; i < count; ++i) flags |= runStretches(m, args, steps, i, 1);
+    else
+        flags = runStretches(m, args, steps, 0, count);
+
+    if (m->statusReports) {
+        fesetexceptflag(&flagsBefore, FE_ALL_EXCEPT);
+        if (flags) feraiseexcept(flags);
+    }
+    if (saved) PyEval_RestoreThread(saved);
+}
+
+#include "orvvm_ufuncs.h"
+
+static PyObject* setMaxCallLength(PyObject* self, PyObject* arg) {
+    (void)self;
+    long long n = PyLong_AsLongLong(arg);
+    if (n == -1 && PyErr_Occurred()) return NULL;
+    if (n < 1 || n > INT32_MAX) {
+        PyErr_SetString(PyExc_ValueError, "the call length must lie in [1, 2**31 - 1]");
+        return NULL;
+    }
+    npy_intp old = __atomic_exchange_n(&maxCallLength, (npy_intp)n, __ATOMIC_RELAXED);
+    return PyLong_FromLongLong(old);
+}
+
+static PyObject* getCallCount(PyObject* self, PyObject* unused) {
+    (void)self, (void)unused;
+    return PyLong_FromUnsignedLongLong(__atomic_load_n(&callCount, __ATOMIC_RELAXED));
+}
+
+static PyObject* getLastCallWithoutGil(PyObject* self, PyObject* unused) {
+    (void)self, (void)unused;
+    return PyBool_FromLong(__atomic_load_n(&lastCallWithoutGil, __ATOMIC_RELAXED));
+}
+
+static PyMethodDef methods[] = {
+    {"_set_max_call_length", setMaxCallLength, METH_O,
+     "Sets the most elements one call of the library may take (default 2**31 - 1); returns the old value."},
+    {"_call_count", getCallCount, METH_NOARGS, "Calls of the library made so far."},
+    {"_last_call_without_gil", getLastCallWithoutGil, METH_NOARGS,
+     "Whether the last call of the library ran with the GIL released."},
+    {NULL, NULL, 0, NULL},
+};
+
+static struct PyModuleDef moduleDef = {PyModuleDef_HEAD_INIT, "_orvvm",
+                                       "orvvm's vector operations as NumPy ufuncs.", -1, methods,
+                                       NULL, NULL, NULL, NULL};
+
+/* ufuncs: {level: {name: ufunc}}; members: (name, level, family, input
+   dtypes, member) for every loop. */
+PyMODINIT_FUNC PyInit__orvvm(void) {
+    import_array();
+    import_umath();
+    PyObject* module = PyModule_Create(&moduleDef);
+    PyObject* ufuncs = PyDict_New();
+    PyObject* members = PyList_New(0);
+    if (!module || !ufuncs || !members) goto fail;
+
+    for (size_t u = 0; u < sizeof orv_ufuncs / sizeof orv_ufuncs[0]; ++u) {
+        const OrvUfunc* d = &orv_ufuncs[u];
+        PyObject* level = PyDict_GetItemString(ufuncs, d->level);
+        if (!level) {
+            level = PyDict_New();
+            if (!level || PyDict_SetItemString(ufuncs, d->level, level) < 0) goto fail;
+            Py_DECREF(level);
+        }
+        PyObject* f = PyUFunc_FromFuncAndData(d->funcs, d->data, (char*)d->types, d->nloops, d->nin, d->nout,
+                                              PyUFunc_None, d->name, d->doc, 0);
+        if (!f || PyDict_SetItemString(level, d->name, f) < 0) goto fail;
+        Py_DECREF(f);
+        int nargs = d->nin + d->nout;
+        for (int l = 0; l < d->nloops; ++l) {
+            PyObject* sig = PyTuple_New(nargs);
+            if (!sig) goto fail;
+            for (int a = 0; a < nargs; ++a) {
+                PyObject* descr = (PyObject*)PyArray_DescrFromType(d->types[l * nargs + a]);
+                if (!descr) goto fail;
+                PyTuple_SET_ITEM(sig, a, descr);
+            }
+            PyObject* row = Py_BuildValue("(sssNs)", d->name, d->level, d->family, sig,
+                                          ((const OrvMember*)d->data[l])->name);
+            if (!row || PyList_Append(members, row) < 0) goto fail;
+            Py_DECREF(row);
+        }
+    }
+    const OrvLibraryVersion* v = orvvmGetLibVersion();
+    if (PyModule_AddObject(module, "ufuncs", ufuncs) < 0) goto fail;
+    ufuncs = NULL;
+    if (PyModule_AddObject(module, "members", members) < 0) goto fail;
+    members = NULL;
+    if (PyModule_AddStringConstant(module, "library_version", v->versionText) < 0) goto fail;
+    return module;
+fail:
+    Py_XDECREF(ufuncs);
+    Py_XDECREF(members);
+    Py_XDECREF(module);
+    return NULL;
+}
