@@ -6,23 +6,27 @@
  * the member on contiguous arrays:
  *
  *  - operands that are contiguous are passed as they stand; the others are
- *    gathered into (or, for results, scattered from) blocks on the stack;
+ *    gathered into (or, for results, scattered from) contiguous buffers;
  *  - a run longer than a call's 32-bit count can take is split;
  *  - a K-shaped member (a constant by value) is called once per stretch of
  *    equal constants, once in all when the constant is broadcast;
- *  - a run whose result is also an input at stride 0 (a reduction) is
- *    taken one element at a time, in order, as NumPy's reduce expects.
+ *  - a run whose result is also an input shifted by some elements (NumPy's
+ *    reduce and accumulate) is taken one element at a time, in order;
+ *  - an input that a result overwrites (an in-place call) is copied first.
  *
- * Every piece of a run starts a whole number of 128-element rounds after
- * the start of the run (128 is the largest block a member takes), so the
- * members whose element results depend on their neighbours in a block see
- * the same blocks as in one call over the whole run.
+ * A few members' element results depend on their neighbours in a block
+ * and on where the call ends (the last elements are a tail).  A run is
+ * therefore one call wherever it can be: gathered whole up to kGather
+ * elements, and cut only where its length demands, at whole multiples of
+ * 128 elements (the largest block a member takes) from its start.
  *
  * Statuses become NumPy floating-point errors.  Real members report
  * through their status: the flags their arithmetic happened to raise are
  * put back as they were, and the status raises its own (overflow 12,
  * underflow 17, divide-by-zero for singularity 18, invalid for domain 19),
- * which NumPy checks after the loop under np.errstate.  Complex members
+ * which NumPy checks after the loop under np.errstate.  A status names the
+ * last warning only: when a call warns, its elements are run again one by
+ * one, into scratch results, to learn every kind.  Complex members
  * always return orvStatusOk and tell of their special cases by the IEEE
  * flags alone, so theirs are left for NumPy to see.
  *
@@ -70,8 +74,10 @@ typedef struct {
 /* The largest block a member's loop takes; pieces of a run start at
    multiples of it. */
 enum { kRound = 128 };
-/* Elements gathered per block: four rounds (8 KiB per operand at most). */
-enum { kBlock = 4 * kRound };
+/* Elements gathered at once: a run of up to kGather elements (1 MiB per
+   operand at most) in one piece, as one call would take it, or blocks of
+   kBlock on the stack when no memory is to be had. */
+enum { kGather = 512 * kRound, kBlock = 4 * kRound };
 enum { kMaxOperands = 3 };
 
 /* The most elements one call may take: the 32-bit count's limit, or a
@@ -102,38 +108,71 @@ static int flagOfStatus(OrvStatus status) {
     }
 }
 
+/* One call of the member on contiguous arrays.  A call returns the last
+   warning in element order only; when it warned, each element is run again
+   alone, into scratch results, so that every kind of warning among the
+   elements reaches NumPy, as its own functions report every kind. */
 static int callMember(const OrvMember* m, char* const* pointers, const void* constant, npy_intp n) {
     OrvStatus status = m->call(pointers, constant, (int32_t)n);
     __atomic_add_fetch(&callCount, 1, __ATOMIC_RELAXED);
     __atomic_store_n(&lastCallWithoutGil, !PyGILState_Check(), __ATOMIC_RELAXED);
-    return flagOfStatus(status);
+    int flags = flagOfStatus(status);
+    if (status > 0 && n > 1) {
+        _Alignas(16) char scratch[kMaxOperands][16];
+        char* alone[kMaxOperands];
+        for (npy_intp i = 0; i < n; ++i) {
+            for (int j = 0; j < m->npointers; ++j) {
+                int op = m->cmap[j];
+                alone[j] = op < m->nin ? pointers[j] + i * (npy_intp)m->itemsize[op] : scratch[j];
+            }
+            flags |= flagOfStatus(m->call(alone, constant, 1));
+        }
+    }
+    return flags;
 }
 
-/* Elements [start, start + count) of the run, with one constant. */
+static int overlaps(const char* a, npy_intp aBytes, const char* b, npy_intp bBytes) {
+    return a < b + bBytes && b < a + aBytes;
+}
+
+/* Elements [start, start + count) of the run, with one constant.  An
+   operand is used where it stands when it is contiguous; otherwise, and
+   for an input that a result overwrites (an in-place call: its elements
+   must stay readable for the tracing of warnings), it goes through a
+   block buffer. */
 static int runPiece(const OrvMember* m, char** args, npy_intp const* steps, npy_intp start, npy_intp count,
                     const void* constant) {
     int nops = m->nin + m->nout;
-    int contiguous = 1;
+    int buffered[kMaxOperands] = {0, 0, 0};
+    int anyBuffered = 0;
     for (int op = 0; op < nops; ++op)
-        if (op != m->konst && steps[op] != (npy_intp)m->itemsize[op]) contiguous = 0;
-
-    int flags = 0;
-    npy_intp piece = pieceLength();
-    char* pointers[kMaxOperands];
-    if (contiguous) {
-        for (npy_intp done = 0; done < count; done += piece) {
-            npy_intp n = count - done < piece ? count - done : piece;
-            for (int i = 0; i < m->npointers; ++i) {
-                int op = m->cmap[i];
-                pointers[i] = args[op] + (start + done) * steps[op];
-            }
-            flags |= callMember(m, pointers, constant, n);
-        }
-        return flags;
+        if (op != m->konst) buffered[op] = steps[op] != (npy_intp)m->itemsize[op];
+    for (int in = 0; in < m->nin; ++in) {
+        if (in == m->konst || buffered[in]) continue;
+        for (int out = m->nin; out < nops; ++out)
+            if (!buffered[out] &&
+                overlaps(args[in] + start * steps[in], count * steps[in], args[out] + start * steps[out],
+                         count * steps[out]))
+                buffered[in] = 1;
     }
+    for (int op = 0; op < nops; ++op) anyBuffered |= buffered[op];
 
-    _Alignas(16) char buffers[kMaxOperands][kBlock * 16];
-    npy_intp block = kBlock < piece ? kBlock : piece;
+    /* The gathered operands of a whole run, up to kGather elements, in one
+       allocation; should it fail, blocks on the stack do the same work. */
+    npy_intp piece = pieceLength();
+    npy_intp block = count < piece ? count : piece;
+    _Alignas(16) char stackBuffers[kMaxOperands][kBlock * 16];
+    char* heap = NULL;
+    char* buffers[kMaxOperands] = {stackBuffers[0], stackBuffers[1], stackBuffers[2]};
+    if (anyBuffered) {
+        if (block > kGather) block = kGather;
+        if (block > kBlock) heap = PyMem_RawMalloc((size_t)block * 16 * kMaxOperands);
+        if (heap)
+            for (int op = 0; op < kMaxOperands; ++op) buffers[op] = heap + (size_t)op * block * 16;
+        else if (block > kBlock)
+            block = kBlock;
+    }
+    int flags = 0;
     for (npy_intp done = 0; done < count; done += block) {
         npy_intp n = count - done < block ? count - done : block;
         char* at[kMaxOperands];
@@ -141,23 +180,21 @@ static int runPiece(const OrvMember* m, char** args, npy_intp const* steps, npy_
             if (op == m->konst) continue;
             size_t size = m->itemsize[op];
             char* first = args[op] + (start + done) * steps[op];
-            if (steps[op] == (npy_intp)size) {
-                at[op] = first;
-            } else {
-                at[op] = buffers[op];
-                if (op < m->nin)
-                    for (npy_intp i = 0; i < n; ++i) memcpy(buffers[op] + i * size, first + i * steps[op], size);
-            }
+            at[op] = buffered[op] ? buffers[op] : first;
+            if (buffered[op] && op < m->nin)
+                for (npy_intp i = 0; i < n; ++i) memcpy(buffers[op] + i * size, first + i * steps[op], size);
         }
+        char* pointers[kMaxOperands];
         for (int i = 0; i < m->npointers; ++i) pointers[i] = at[m->cmap[i]];
         flags |= callMember(m, pointers, constant, n);
         for (int op = m->nin; op < nops; ++op) {
             size_t size = m->itemsize[op];
             char* first = args[op] + (start + done) * steps[op];
-            if (at[op] == buffers[op])
+            if (buffered[op])
                 for (npy_intp i = 0; i < n; ++i) memcpy(first + i * steps[op], buffers[op] + i * size, size);
         }
     }
+    PyMem_RawFree(heap);
     return flags;
 }
 
@@ -180,6 +217,16 @@ static int runStretches(const OrvMember* m, char** args, npy_intp const* steps, 
     return flags;
 }
 
+/* Whether two operands of a run of count elements share any byte. */
+static int spansOverlap(const char* a, npy_intp aStep, size_t aSize, const char* b, npy_intp bStep, size_t bSize,
+                        npy_intp count) {
+    const char* aLow = aStep < 0 ? a + (count - 1) * aStep : a;
+    const char* bLow = bStep < 0 ? b + (count - 1) * bStep : b;
+    npy_intp aBytes = (count - 1) * (aStep < 0 ? -aStep : aStep) + (npy_intp)aSize;
+    npy_intp bBytes = (count - 1) * (bStep < 0 ? -bStep : bStep) + (npy_intp)bSize;
+    return aLow < bLow + bBytes && bLow < aLow + aBytes;
+}
+
 static void orv_loop(char** args, npy_intp const* dimensions, npy_intp const* steps, void* data) {
     const OrvMember* m = (const OrvMember*)data;
     npy_intp count = dimensions[0];
@@ -189,11 +236,17 @@ static void orv_loop(char** args, npy_intp const* dimensions, npy_intp const* st
     fexcept_t flagsBefore;
     if (m->statusReports) fegetexceptflag(&flagsBefore, FE_ALL_EXCEPT);
 
-    /* A reduction: the result is also the first input, at stride 0, and
-       each element needs the one before. */
+    /* A result that is also an input shifted by some elements (NumPy's
+       reduce and accumulate: each element needs the one before) is taken
+       one element at a time, in order. */
     int reduction = 0;
-    for (int op = m->nin; op < m->nin + m->nout; ++op)
-        if (steps[op] == 0 && count > 1) reduction = 1;
+    for (int out = m->nin; out < m->nin + m->nout; ++out) {
+        if (steps[out] == 0 && count > 1) reduction = 1;
+        for (int in = 0; in < m->nin; ++in)
+            if (in != m->konst && !(args[in] == args[out] && steps[in] == steps[out]) &&
+                spansOverlap(args[in], steps[in], m->itemsize[in], args[out], steps[out], m->itemsize[out], count))
+                reduction = 1;
+    }
     int flags = 0;
     if (reduction)
         for (npy_intp i = 0; i < count; ++i) flags |= runStretches(m, args, steps, i, 1);
