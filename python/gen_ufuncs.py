@@ -171,9 +171,12 @@ def main(header, tsv, out):
         families.setdefault(row["family"], []).append(row)
 
     ufuncs = []
+    names = {}
     for family in sorted(families):
         rows = families[family]
         name = NUMPY_NAMES.get(family, family.lower())
+        if names.setdefault(name, family) != family:
+            raise SystemExit(f"gen_ufuncs: {family} and {names[name]} would both be named {name}")
         by_type = {}
         for row in rows:
             by_type.setdefault(row["type"], []).append(row)

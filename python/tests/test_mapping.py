@@ -43,15 +43,24 @@ def test_each_loop_takes_the_member_of_its_dtype_and_level():
             assert (row["family"], row["type"], level) in seen, (row["name"], level)
 
 
+# NumPy's names (numpy.angle for the phase); other families go by their own
+# name in lower case.
+NUMPY_NAMES = {
+    "Abs": "absolute", "Acos": "arccos", "Acosh": "arccosh", "Add": "add", "Arg": "angle",
+    "Asin": "arcsin", "Asinh": "arcsinh", "Atan": "arctan", "Atan2": "arctan2", "Atanh": "arctanh",
+    "Cbrt": "cbrt", "Ceil": "ceil", "Conj": "conjugate", "Cos": "cos", "Cosh": "cosh", "Div": "divide",
+    "Exp": "exp", "Expm1": "expm1", "Floor": "floor", "Hypot": "hypot", "Inv": "reciprocal", "Ln": "log",
+    "Log10": "log10", "Log1p": "log1p", "Modf": "modf", "Mul": "multiply", "Pow": "power", "Rint": "rint",
+    "Sin": "sin", "Sinh": "sinh", "Sqr": "square", "Sqrt": "sqrt", "Sub": "subtract", "Tan": "tan",
+    "Tanh": "tanh", "Trunc": "trunc",
+}
+
+
 def test_names_levels_and_aliases():
-    numpy_named = {"Exp": "exp", "Ln": "log", "Log10": "log10", "Sqrt": "sqrt", "Hypot": "hypot",
-                   "Atan2": "arctan2", "Pow": "power", "Div": "divide", "Abs": "absolute",
-                   "Inv": "reciprocal", "Sqr": "square", "Mul": "multiply", "Conj": "conjugate"}
-    families = {r["family"] for r in EXPORTS.values()}
-    for family, name in numpy_named.items():
-        if family in families:
-            assert getattr(orvvm, name).__name__ == name
-            assert name in dir(np)
+    for family, name in NUMPY_NAMES.items():
+        assert hasattr(np, name), name
+    for name, level, family, dtypes, member in LOOPS:
+        assert name == NUMPY_NAMES.get(family, family.lower()), (family, name)
     for name, level, family, dtypes, member in LOOPS:
         ufunc = getattr(getattr(orvvm, level), name)
         assert isinstance(ufunc, np.ufunc)
@@ -147,8 +156,9 @@ def _inputs(family, dtypes, rng, n=200):
 
 @pytest.mark.parametrize("loop", LOOPS, ids=lambda loop: f"{loop[0]}-{loop[1]}-{loop[3][0]}")
 def test_each_ufunc_computes_its_family(loop):
-    name, level, family, dtypes, member = loop
-    assert family in REFERENCES, f"{family} needs a reference here"
+    name, level, _, dtypes, member = loop
+    # The family the ufunc's name stands for, whatever the package says.
+    family = {v: k for k, v in NUMPY_NAMES.items()}.get(name) or next(f for f in REFERENCES if f.lower() == name)
     nin = getattr(orvvm, name).nin
     rng = np.random.default_rng(zlib.crc32(member.encode()))
     xs = _inputs(family, dtypes[:nin], rng)
