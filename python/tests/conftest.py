@@ -13,10 +13,11 @@ import pytest
 SOURCE = os.environ.get("ORVVM_SOURCE_DIR", os.path.join(os.path.dirname(__file__), "..", ".."))
 LIBRARY = os.environ.get("ORVVM_LIBRARY")
 
-# Reproducible property runs in the test set; ORVVM_HYPOTHESIS_SEED picks
-# another stream of examples.
-hypothesis.settings.register_profile("orvvm", max_examples=150, deadline=None, database=None,
-                                     derandomize="ORVVM_HYPOTHESIS_SEED" not in os.environ)
+# Reproducible property runs in the test set.  For longer runs:
+# ORVVM_HYPOTHESIS_EXAMPLES=5000 pytest --hypothesis-seed=N (random streams).
+hypothesis.settings.register_profile("orvvm", max_examples=int(os.environ.get("ORVVM_HYPOTHESIS_EXAMPLES", 150)),
+                                     deadline=None, database=None,
+                                     derandomize="ORVVM_HYPOTHESIS_EXAMPLES" not in os.environ)
 hypothesis.settings.load_profile("orvvm")
 
 DTYPES = {"32f": np.float32, "64f": np.float64, "32fc": np.complex64, "64fc": np.complex128}
