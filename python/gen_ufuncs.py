@@ -161,8 +161,9 @@ def main(header, tsv, out):
         sizes = ", ".join(f"sizeof({TYPES[x][1]})" for x in ops)
         cm = ", ".join(str(x) for x in cmap)
         reports = 1 if row["type"] in ("32f", "64f") else 0
+        warns = 1 if reports and row["warnings"] != "none" else 0
         o.append(f'    {{"{row["name"]}", thunk_{row["name"]}, {len(ins)}, {len(outs)}, {{{sizes}}}, '
-                 f'{len(cmap)}, {{{cm}}}, {konst}, {reports}}},')
+                 f'{len(cmap)}, {{{cm}}}, {konst}, {reports}, {warns}}},')
     o.append("};")
     o.append("")
 

@@ -57,7 +57,8 @@ typedef struct {
     int npointers;
     int cmap[3];
     int konst;
-    int statusReports;
+    int statusReports; /* a real member: the status, not the flags, reports */
+    int warns;         /* it has warnings to return */
 } OrvMember;
 
 typedef struct {
@@ -136,10 +137,10 @@ static int overlaps(const char* a, npy_intp aBytes, const char* b, npy_intp bByt
 }
 
 /* Elements [start, start + count) of the run, with one constant.  An
-   operand is used where it stands when it is contiguous; otherwise, and
-   for an input that a result overwrites (an in-place call: its elements
-   must stay readable for the tracing of warnings), it goes through a
-   block buffer. */
+   operand is used where it stands when it is contiguous; otherwise it goes
+   through a buffer.  So does, for a member that can warn, an input that a
+   result overwrites (an in-place call): its elements must stay readable
+   for the tracing of warnings. */
 static int runPiece(const OrvMember* m, char** args, npy_intp const* steps, npy_intp start, npy_intp count,
                     const void* constant) {
     int nops = m->nin + m->nout;
@@ -147,7 +148,7 @@ static int runPiece(const OrvMember* m, char** args, npy_intp const* steps, npy_
     int anyBuffered = 0;
     for (int op = 0; op < nops; ++op)
         if (op != m->konst) buffered[op] = steps[op] != (npy_intp)m->itemsize[op];
-    for (int in = 0; in < m->nin; ++in) {
+    for (int in = 0; in < m->nin && m->warns; ++in) {
         if (in == m->konst || buffered[in]) continue;
         for (int out = m->nin; out < nops; ++out)
             if (!buffered[out] &&
