@@ -202,8 +202,14 @@ def main(header, tsv, out):
             types += [TYPES[x][0] for x in ins + outs]
         o.append(f"static const char types_{tag}[] = {{" + ", ".join(types) + "};")
         lines = [f"{name}: orvvm's {family}, element-wise, {level_name} accuracy level."]
-        if family in REVERSED_OUTPUTS:
-            lines.append("Returns the two results in NumPy's order (fractional part first).")
+        shapes = {r["shape"] for r in loops}
+        if "K" in shapes:
+            lines.append("The second input is the member's constant: one value (a scalar, or broadcast) "
+                         "makes one call per run; an array of them is taken in stretches of equal values.")
+        if "S" in shapes:
+            lines.append("Returns two arrays, " + ("in NumPy's order (the member's second result first)."
+                                                   if family in REVERSED_OUTPUTS else
+                                                   "in the order of the member's results."))
         lines.append("")
         lines.append("Member per input type (bound it guarantees):")
         for r in loops:

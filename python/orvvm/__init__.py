@@ -18,20 +18,27 @@ Accuracy levels.  Each ufunc exists at three levels, as a namespace:
                     float32 A24, float64 A53: below 1 ulp
     orvvm.middle    float32 A21, float64 A50: below 4 ulp
     orvvm.lowest    float32 A11, float64 A26: at least 11 or 26 correct
-                    bits (relative error below 2**-11 or 2**-26 of the
-                    result's binade)
+                    bits (a relative error below 2**-11 or 2**-26)
 
 Complex members take the level of their real base.  Exact operations (add,
 subtract, real multiply, square, conjugate, real absolute value) and the
 rounding functions have one member, which every level uses.  The docstring
 of each ufunc lists the member per type and its bound.
 
-Errors.  The status of each call goes to NumPy's floating-point error
+Errors.  The statuses of the calls go to NumPy's floating-point error
 handling: overflow to 'over', underflow to 'under', singularity (a pole) to
 'divide', domain to 'invalid', so np.errstate and np.seterr work as with
 NumPy's own functions (by default a warning, except underflow, which NumPy
-ignores).  Complex members tell of their special cases by the IEEE flags
-their arithmetic raises, which NumPy reads the same way.
+ignores).  Every kind among the elements is reported, not only the last one
+a status names.  Complex members tell of their special cases by the IEEE
+flags their arithmetic raises, which NumPy reads the same way.
+
+Layout.  Strided operands are gathered into contiguous buffers, and a run
+longer than a call's 32-bit count is split at multiples of 128 elements;
+the GIL is released during every call.  A few members' results depend on an
+element's neighbours in its block (their records in the library say so, and
+by how much at most); for those, the bits follow how NumPy hands the array
+to the loop, which a contiguous array hands over whole.
 
 sincos returns (sin, cos); modf returns (fractional, integral), as NumPy's
 modf does; powx(x, c) raises x to the power c, a constant per call of the

@@ -263,6 +263,67 @@ static void orv_loop(char** args, npy_intp const* dimensions, npy_intp const* st
 
 #include "orvvm_ufuncs.h"
 
+/* "float32" or "(float32, float32)": the input types of a loop, or of the
+   operands given. */
+static PyObject* typeList(PyUFuncObject* ufunc, int loop, PyArrayObject** operands) {
+    PyObject* names = PyList_New(0);
+    for (int i = 0; names && i < ufunc->nin; ++i) {
+        PyArray_Descr* d = operands ? PyArray_DESCR(operands[i])
+                                    : PyArray_DescrFromType(ufunc->types[loop * ufunc->nargs + i]);
+        PyObject* name = d ? PyObject_Str((PyObject*)d) : NULL;
+        if (!operands) Py_XDECREF(d);
+        if (!name || PyList_Append(names, name) < 0) Py_CLEAR(names);
+        Py_XDECREF(name);
+    }
+    PyObject* comma = PyUnicode_FromString(", ");
+    PyObject* joined = names && comma ? PyUnicode_Join(comma, names) : NULL;
+    Py_XDECREF(names);
+    Py_XDECREF(comma);
+    if (!joined || ufunc->nin == 1) return joined;
+    PyObject* wrapped = PyUnicode_FromFormat("(%U)", joined);
+    Py_DECREF(joined);
+    return wrapped;
+}
+
+/* NumPy's own choice of the loop, with a message that says which types the
+   family has members for when none fits (the original error as its cause). */
+static int resolveTypes(PyUFuncObject* ufunc, NPY_CASTING casting, PyArrayObject** operands, PyObject* typeTuple,
+                        PyArray_Descr** dtypes) {
+    if (PyUFunc_DefaultTypeResolver(ufunc, casting, operands, typeTuple, dtypes) == 0) return 0;
+    if (!PyErr_ExceptionMatches(PyExc_TypeError)) return -1;
+    PyObject *type, *value, *traceback;
+    PyErr_Fetch(&type, &value, &traceback);
+    PyErr_NormalizeException(&type, &value, &traceback);
+    PyObject* given = typeList(ufunc, 0, operands);
+    PyObject* taken = PyList_New(0);
+    for (int l = 0; taken && l < ufunc->ntypes; ++l) {
+        PyObject* loop = typeList(ufunc, l, NULL);
+        if (!loop || PyList_Append(taken, loop) < 0) Py_CLEAR(taken);
+        Py_XDECREF(loop);
+    }
+    PyObject* separator = PyUnicode_FromString("; ");
+    PyObject* list = taken && separator ? PyUnicode_Join(separator, taken) : NULL;
+    if (given && list)
+        PyErr_Format(PyExc_TypeError, "orvvm's %s has no member for %U (nor for a type it casts to safely): "
+                     "its members take %U", ufunc->name, given, list);
+    Py_XDECREF(given);
+    Py_XDECREF(taken);
+    Py_XDECREF(separator);
+    Py_XDECREF(list);
+    if (!PyErr_Occurred()) {
+        PyErr_Restore(type, value, traceback);
+        return -1;
+    }
+    PyObject *newType, *newValue, *newTraceback;
+    PyErr_Fetch(&newType, &newValue, &newTraceback);
+    PyErr_NormalizeException(&newType, &newValue, &newTraceback);
+    PyException_SetCause(newValue, value);
+    Py_XDECREF(type);
+    Py_XDECREF(traceback);
+    PyErr_Restore(newType, newValue, newTraceback);
+    return -1;
+}
+
 static PyObject* setMaxCallLength(PyObject* self, PyObject* arg) {
     (void)self;
     long long n = PyLong_AsLongLong(arg);
@@ -318,7 +379,9 @@ PyMODINIT_FUNC PyInit__orvvm(void) {
         }
         PyObject* f = PyUFunc_FromFuncAndData(d->funcs, d->data, (char*)d->types, d->nloops, d->nin, d->nout,
                                               PyUFunc_None, d->name, d->doc, 0);
-        if (!f || PyDict_SetItemString(level, d->name, f) < 0) goto fail;
+        if (!f) goto fail;
+        ((PyUFuncObject*)f)->type_resolver = resolveTypes;
+        if (PyDict_SetItemString(level, d->name, f) < 0) goto fail;
         Py_DECREF(f);
         int nargs = d->nin + d->nout;
         for (int l = 0; l < d->nloops; ++l) {
