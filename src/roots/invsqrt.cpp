@@ -115,7 +115,7 @@ template <F32x4 (*Formula)(F32x4)>
 OrvStatus invSqrtGroups32(const Orv32f* src, Orv32f* dst, int32_t len) {
     return pointersFirstFrame<kGuardNearest>({src, dst}, len, [&](StatusVar& status) {
         pairedGroups(
-            src, dst, len, kThree, Formula, groupScreen,
+            src, dst, len, kThree, [](F32x4 x) { return Formula(x); }, [](F32x4 x) { return groupScreen(x); },
             [&](F32x4 x, float* out) { rejectedGroup<Formula>(x, out, status); });
     });
 }
@@ -156,11 +156,11 @@ constexpr uint64_t kDefaultNaN64 = 0xFFF8000000000000;
 
 using Kernel64 = F64x2 (*)(F64x2 x, F64x2 y);
 
-F64x2 invSqrtA50(F64x2 x, F64x2 y) {
+[[gnu::always_inline]] inline F64x2 invSqrtA50(F64x2 x, F64x2 y) {
     F64x2 e = x * (y * y) - splat(1.0);
     return y + series4(e) * y;
 }
-F64x2 invSqrtA53(F64x2 x, F64x2 y) {
+[[gnu::always_inline]] inline F64x2 invSqrtA53(F64x2 x, F64x2 y) {
     F64x2 q = y * y;
     F64x2 xh = headOf(x);
     F64x2 e = (xh * q - splat(1.0)) + (x - xh) * q;
