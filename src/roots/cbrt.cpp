@@ -8,7 +8,7 @@
 // 2^-8, cbrt(2^r c) from the table, (1 + z)^(1/3) - 1 a polynomial P.
 //   64f A53:        P of degree 6 (2^-65.4), the table's hi + lo:
 //                   hi + (lo + hi P), then the power of two.
-//   64f A26 = A50:  one computation: P of degree 5 (2^-58.1), hi + hi P.
+//   64f A26 = A50:  one computation: P of degree 5 (2^-58.1), with lo too.
 //   32f (in double, the float widened exactly and the result rounded once
 //   to float): A24 P of degree 3 (2^-39.1), A21 degree 2 (2^-30.0), A11
 //   the first Taylor term z/3 (2^-19.2); hi + hi P.
@@ -76,7 +76,7 @@ constexpr double kPolyA11[1] = {
 // ---- end fit_cbrt
 
 using Tier53 = RootTier<kPolyA53, true>;
-using Tier50 = RootTier<kPolyA50, false>;
+using Tier50 = RootTier<kPolyA50, true>;
 using Tier24 = RootTier<kPolyA24, false>;
 using Tier21 = RootTier<kPolyA21, false>;
 using Tier11 = RootTier<kPolyA11, false>;

@@ -10,7 +10,7 @@
 // 2^-8, (2^(r - 1) c)^(3/2) from the table, (1 + z)^(3/2) - 1 a polynomial P.
 //   64f A53:        P of degree 6 (2^-69.0), the table's hi + lo:
 //                   hi + (lo + hi P), then the power of two.
-//   64f A26, A50:   P of degree 5 (2^-59.9), hi + hi P.
+//   64f A26, A50:   P of degree 5 (2^-59.9), with lo too.
 //   32f (in double, the float widened exactly and the result rounded once
 //   to float, which also makes the overflow to +inf and the float
 //   denormals of the results below 2^-126 one rounding): A24 P of degree 3
@@ -85,7 +85,7 @@ constexpr double kPolyA11[1] = {
 // ---- end fit_pow3o2
 
 using Tier53 = RootTier<kPolyA53, true>;
-using Tier50 = RootTier<kPolyA50, false>;
+using Tier50 = RootTier<kPolyA50, true>;
 using Tier24 = RootTier<kPolyA24, false>;
 using Tier21 = RootTier<kPolyA21, false>;
 using Tier11 = RootTier<kPolyA11, false>;

@@ -21,10 +21,12 @@
 // Row 128 r + k of the family's table holds T rounded (hi) and 1/c; the lo
 // table holds T - hi.  P(z) ~ (1 + z)^(p/b) - 1 is the tier's polynomial
 // (fits in the family files), and
-//   top tier:     x^(p/b) = 2^(p (q - Q0)) * (hi + (lo + hi P(z)))
-//   other tiers:  x^(p/b) = 2^(p (q - Q0)) * (hi + hi P(z))
+//   with lo:      x^(p/b) = 2^(p (q - Q0)) * (hi + (lo + hi P(z)))
+//   without:      x^(p/b) = 2^(p (q - Q0)) * (hi + hi P(z))
+// (64f tiers but Pow2o3 A26 take lo; the 32f tiers need not, hi alone
+// being 2^-53 relative.)
 // The power of two is built in the exponent field and the product with it
-// is exact wherever the screens let a block through.  In the top tier the
+// is exact wherever the screens let a block through.  With lo the
 // last addition is the one rounding of consequence: hi P is below 2^-7 of
 // the result, so its rounding, that of z and the polynomial's error add a
 // few hundredths of an ulp.  An exact result (a cube root of a cube) is
