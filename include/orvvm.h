@@ -254,8 +254,9 @@ ORVVM_API OrvStatus orvsAbs_64fc_A53(const Orv64fc* src, Orv64f* dst, int32_t le
  * kernel: the exponent divided by 3 (or 2), a table of 128 centres per
  * binade and a short polynomial.  Round to nearest inside the call
  * whatever the caller's MXCSR.  Exact powers give exact results in every
- * tier above the lowest.  The 64f A26 and A50 members of Cbrt and InvCbrt,
- * and the 64f A50 and A53 members of Pow2o3, give equal results. */
+ * tier above the lowest (and, for Pow2o3, above A26).  The 64f A26 and A50
+ * members of Cbrt, InvCbrt and Pow3o2, and the 64f A50 and A53 members of
+ * Pow2o3, give equal results. */
 
 /* Cbrt: dst[i] = cbrt(src[i]), odd in x.  Shape U.  +-0 and +-inf give
    themselves.  Always orvStatusOk after the argument checks. */
