@@ -9,24 +9,25 @@
 //   64f A53:        P of degree 6 (2^-65.4), the table's hi + lo:
 //                   hi + (lo + hi P), then the power of two.
 //   64f A26 = A50:  one computation: P of degree 5 (2^-58.1), with lo too.
-//   32f (in double, the float widened exactly and the result rounded once
-//   to float): A24 P of degree 3 (2^-39.1), A21 degree 2 (2^-30.0), A11
-//   the first Taylor term z/3 (2^-19.2); hi + hi P.
+//   32f, in binary32 on float rows: A24 P of degree 3 (2^-36.0) and A21
+//   degree 2 (2^-30.0), hi + (lo + hi P); A11 the first Taylor term z/3
+//   (2^-19.2), hi + hi P.
 // The bounds in parentheses are those of the fits below; the rest of the
 // error budget is in root_kernel.h.  An exact cube (27, -0.125, 2^-999)
 // gets its exact root from every tier but A11, whose error before the last
 // rounding can exceed half an ulp.
 //
-// Screens (raw bits): 32f, every finite float but zero (float denormals
-// are normal doubles in the kernel); 64f, the normal doubles of either
-// sign (the positive normal test on |x|'s high word).  Blocks of 8 floats
-// or 4 doubles, WholeBlockFallback.  ElementPath:
+// Screens (raw bits): the normal floats and the normal doubles of either
+// sign (the positive normal test on |x|).  Blocks of 8 floats or 4
+// doubles, WholeBlockFallback.  ElementPath:
 //   NaN: x + x (quiet), no status.  +-0 and +-inf: x itself.
+//   32f denormal: the double kernel (A50's) on the widened float, rounded
+//   once to float.
 //   64f denormal: cbrt(x 2^54) 2^-18, both scalings exact.
 //   Everything else: the block formula.
 // No warning: cbrt is defined, finite and nonzero on every finite nonzero x.
 //
-// Tables: kCbrtRows, kCbrtLo of src/tables/root_tables.h
+// Tables: kCbrtRows, kCbrtLo, kCbrtRows32 of src/tables/root_tables.h
 // (gen_root_tables.cpp); fits: fit_cbrt.sollya.
 #include "frame/blockpath.h"
 #include "frame/frame.h"
@@ -50,7 +51,7 @@ constexpr double kPolyA53[6] = {
     doubleFromBits(0x3F9EE72234952957),  //  0.030178579768553728
     doubleFromBits(0xBF98093319265974),  // -0.023472593698522684
 };
-// A50 and A26: degree 5, 1 + P differs from (1 + z)^a by 3.23e-18 = 2^-58.1 relative.
+// A50 and A26, and the 32f element paths: degree 5, 1 + P differs from (1 + z)^a by 3.23e-18 = 2^-58.1 relative.
 constexpr double kPolyA50[5] = {
     doubleFromBits(0x3FD5555555555556),  //  0.33333333333333337
     doubleFromBits(0xBFBC71C71C6F3073),  // -0.11111111110875686
@@ -58,27 +59,27 @@ constexpr double kPolyA50[5] = {
     doubleFromBits(0xBFA511F98E34C944),  // -0.04115276204028587
     doubleFromBits(0x3F9EE749012DCB95),  //  0.03017915792174682
 };
-// A24: degree 3, 1 + P differs from (1 + z)^a by 1.65e-12 = 2^-39.14 relative.
-constexpr double kPolyA24[3] = {
-    doubleFromBits(0x3FD5555555548887),  //  0.33333333333042287
-    doubleFromBits(0xBFBC71CFD6B12ECA),  // -0.11111163131243554
-    doubleFromBits(0x3FAF9AF31610EA73),  //  0.06172904629098221
+// A24: degree 3, 1 + P differs from (1 + z)^a by 1.52e-11 = 2^-35.95 relative.
+constexpr float kPolyA24[3] = {
+    floatFromBits(0x3EAAAAAB),  //  0.3333333432674408
+    floatFromBits(0xBDE38E7F),  // -0.11111163347959518
+    floatFromBits(0x3D799F4E),  //  0.060942940413951874
 };
-// A21: degree 2, 1 + P differs from (1 + z)^a by 9.23e-10 = 2^-30.01 relative.
-constexpr double kPolyA21[2] = {
-    doubleFromBits(0x3FD555584B877C24),  //  0.3333340394582953
-    doubleFromBits(0xBFBC71D1A56C32BE),  // -0.11111173905028246
+// A21: degree 2, 1 + P differs from (1 + z)^a by 9.65e-10 = 2^-29.95 relative.
+constexpr float kPolyA21[2] = {
+    floatFromBits(0x3EAAAAC2),  //  0.3333340287208557
+    floatFromBits(0xBDE38E8E),  // -0.11111174523830414
 };
 // A11 (Taylor): degree 1, 1 + P differs from (1 + z)^a by 1.71e-6 = 2^-19.16 relative.
-constexpr double kPolyA11[1] = {
-    doubleFromBits(0x3FD5555555555555),  //  0.3333333333333333
+constexpr float kPolyA11[1] = {
+    floatFromBits(0x3EAAAAAB),  //  0.3333333432674408
 };
 // ---- end fit_cbrt
 
 using Tier53 = RootTier<kPolyA53, true>;
 using Tier50 = RootTier<kPolyA50, true>;
-using Tier24 = RootTier<kPolyA24, false>;
-using Tier21 = RootTier<kPolyA21, false>;
+using Tier24 = RootTier<kPolyA24, true>;
+using Tier21 = RootTier<kPolyA21, true>;
 using Tier11 = RootTier<kPolyA11, false>;
 
 constexpr double kDenormalUnscale = 0x1p-18;  // cbrt(2^-54)
@@ -88,8 +89,9 @@ constexpr double kDenormalUnscale = 0x1p-18;  // cbrt(2^-54)
 
 struct CbrtFamily {
     using Power = CbrtPower;
+    using WideTier = Tier50;
     static constexpr bool kOdd = true;
-    static int screen32(F32x4 x) { return nonzeroFiniteScreen(x); }
+    static int screen32(F32x4 x) { return normalScreen(x); }
     static int screen64(F64x2 a, F64x2 b) { return normalScreen(a, b); }
 
     template <class Tier>
@@ -97,6 +99,7 @@ struct CbrtFamily {
         uint32_t magnitude = bitsOf(x) & kAbs32;
         if (magnitude > kInfinity32) return x + x;
         if (magnitude == 0 || magnitude == kInfinity32) return x;
+        if (magnitude < kSmallestNormal32) return familyFloatWide<CbrtFamily>(x);
         return familyFloat<CbrtFamily, Tier>(x);
     }
     template <class Tier>

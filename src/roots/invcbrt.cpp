@@ -10,23 +10,25 @@
 //   64f A53:        P of degree 6 (2^-65.3), the table's hi + lo:
 //                   hi + (lo + hi P), then the power of two.
 //   64f A26 = A50:  one computation: P of degree 5 (2^-55.9), with lo too.
-//   32f (in double, the float widened exactly and the result rounded once
-//   to float): A24 P of degree 3 (2^-37.3), A21 degree 2 (2^-28.5), A11
-//   the first Taylor term -z/3 (2^-18.2); hi + hi P.
+//   32f, in binary32 on float rows: A24 P of degree 3 (2^-35.6) and A21
+//   degree 2 (2^-28.5), hi + (lo + hi P); A11 the first Taylor term -z/3
+//   (2^-18.2), hi + hi P.
 // The bounds in parentheses are those of the fits below; the rest of the
 // error budget is in root_kernel.h.  Where 1/cbrt(x) is a double (x = 8,
 // 1/64, -2^-300) every tier but A11 returns it exactly.
 //
-// Screens (raw bits): 32f, every finite float but zero; 64f, the normal
-// doubles of either sign.  Blocks of 8 floats or 4 doubles,
-// WholeBlockFallback.  ElementPath:
+// Screens (raw bits): the normal floats and the normal doubles of either
+// sign.  Blocks of 8 floats or 4 doubles, WholeBlockFallback.
+// ElementPath:
 //   NaN: x + x (quiet), no status.
 //   +-0: +-inf, orvStatusSingularity (a stored constant, no flag).
 //   +-inf: +-0.
+//   32f denormal: the double kernel (A50's) on the widened float, rounded
+//   once to float.
 //   64f denormal: (x 2^54)^(-1/3) 2^18, both scalings exact.
 //   Everything else: the block formula.
 //
-// Tables: kInvCbrtRows, kInvCbrtLo of src/tables/root_tables.h
+// Tables: kInvCbrtRows, kInvCbrtLo, kInvCbrtRows32 of src/tables/root_tables.h
 // (gen_root_tables.cpp); fits: fit_invcbrt.sollya.
 #include "frame/blockpath.h"
 #include "frame/frame.h"
@@ -50,7 +52,7 @@ constexpr double kPolyA53[6] = {
     doubleFromBits(0xBFBFF4EFE512C43B),  // -0.12483119337663677
     doubleFromBits(0x3FBC67FD39E7B88B),  //  0.11096174873066127
 };
-// A50 and A26: degree 5, 1 + P differs from (1 + z)^a by 1.52e-17 = 2^-55.87 relative.
+// A50 and A26, and the 32f element paths: degree 5, 1 + P differs from (1 + z)^a by 1.52e-17 = 2^-55.87 relative.
 constexpr double kPolyA50[5] = {
     doubleFromBits(0xBFD5555555555556),  // -0.33333333333333337
     doubleFromBits(0x3FCC71C71C6BA8CE),  //  0.22222222221109295
@@ -58,27 +60,27 @@ constexpr double kPolyA50[5] = {
     doubleFromBits(0x3FC26FBF7EB64578),  //  0.14403527915105108
     doubleFromBits(0xBFBFF4F26EBBB7FC),  // -0.1248313446373856
 };
-// A24: degree 3, 1 + P differs from (1 + z)^a by 5.77e-12 = 2^-37.34 relative.
-constexpr double kPolyA24[3] = {
-    doubleFromBits(0xBFD555555552062C),  // -0.33333333332129444
-    doubleFromBits(0x3FCC71D662636E28),  //  0.22222404293175768
-    doubleFromBits(0xBFC61FB175FD0B83),  // -0.17284219990878222
+// A24: degree 3, 1 + P differs from (1 + z)^a by 1.9e-11 = 2^-35.62 relative.
+constexpr float kPolyA24[3] = {
+    floatFromBits(0xBEAAAAAB),  // -0.3333333432674408
+    floatFromBits(0x3E638EB3),  //  0.22222404181957245
+    floatFromBits(0xBE302F49),  // -0.17205537855625153
 };
 // A21: degree 2, 1 + P differs from (1 + z)^a by 2.59e-9 = 2^-28.53 relative.
-constexpr double kPolyA21[2] = {
-    doubleFromBits(0xBFD5555DA00EE438),  // -0.33333531027489327
-    doubleFromBits(0x3FCC71D98C2BB36A),  //  0.2222244200160291
+constexpr float kPolyA21[2] = {
+    floatFromBits(0xBEAAAAED),  // -0.3333353102207184
+    floatFromBits(0x3E638ECC),  //  0.2222244143486023
 };
 // A11 (Taylor): degree 1, 1 + P differs from (1 + z)^a by 3.4e-6 = 2^-18.17 relative.
-constexpr double kPolyA11[1] = {
-    doubleFromBits(0xBFD5555555555555),  // -0.3333333333333333
+constexpr float kPolyA11[1] = {
+    floatFromBits(0xBEAAAAAB),  // -0.3333333432674408
 };
 // ---- end fit_invcbrt
 
 using Tier53 = RootTier<kPolyA53, true>;
 using Tier50 = RootTier<kPolyA50, true>;
-using Tier24 = RootTier<kPolyA24, false>;
-using Tier21 = RootTier<kPolyA21, false>;
+using Tier24 = RootTier<kPolyA24, true>;
+using Tier21 = RootTier<kPolyA21, true>;
 using Tier11 = RootTier<kPolyA11, false>;
 
 constexpr double kDenormalUnscale = 0x1p18;  // (2^54)^(1/3)
@@ -88,8 +90,9 @@ constexpr double kDenormalUnscale = 0x1p18;  // (2^54)^(1/3)
 
 struct InvCbrtFamily {
     using Power = InvCbrtPower;
+    using WideTier = Tier50;
     static constexpr bool kOdd = true;
-    static int screen32(F32x4 x) { return nonzeroFiniteScreen(x); }
+    static int screen32(F32x4 x) { return normalScreen(x); }
     static int screen64(F64x2 a, F64x2 b) { return normalScreen(a, b); }
 
     template <class Tier>
@@ -101,6 +104,7 @@ struct InvCbrtFamily {
             return floatFromBits((b & kSign32) | kInfinity32);
         }
         if (magnitude == kInfinity32) return floatFromBits(b & kSign32);
+        if (magnitude < kSmallestNormal32) return familyFloatWide<InvCbrtFamily>(x);
         return familyFloat<InvCbrtFamily, Tier>(x);
     }
     template <class Tier>

@@ -10,22 +10,24 @@
 //   64f A50 = A53:  one computation: P of degree 6 (2^-64.6), the table's
 //                   hi + lo: hi + (lo + hi P), then the power of two.
 //   64f A26:        P of degree 3 (2^-39.7), hi + hi P.
-//   32f (in double, the float widened exactly and the result rounded once
-//   to float): A24 P of degree 3, A21 degree 2 (2^-30.3), A11 the first
-//   Taylor term 2z/3 (2^-19.2); hi + hi P.
+//   32f, in binary32 on float rows: A24 P of degree 3 (2^-35.0) and A21
+//   degree 2 (2^-30.3), hi + (lo + hi P); A11 the first Taylor term 2z/3
+//   (2^-19.2), hi + hi P.
 // The bounds in parentheses are those of the fits below; the rest of the
 // error budget is in root_kernel.h.  Exact results (8 -> 4, -27 -> 9,
 // 2^-300 -> 2^-200) come out exactly from every tier but A11 and A26.
 //
-// Screens (raw bits): 32f, every finite float but zero; 64f, the normal
-// doubles of either sign.  Blocks of 8 floats or 4 doubles,
-// WholeBlockFallback.  ElementPath:
+// Screens (raw bits): the normal floats and the normal doubles of either
+// sign.  Blocks of 8 floats or 4 doubles, WholeBlockFallback.
+// ElementPath:
 //   NaN: x + x (quiet), no status.  +-0: +0.  +-inf: +inf.
+//   32f denormal: the double kernel (A26's) on the widened float, rounded
+//   once to float.
 //   64f denormal: (x 2^54)^(2/3) 2^-36, both scalings exact.
 //   Everything else: the block formula.
 // No warning.
 //
-// Tables: kPow2o3Rows, kPow2o3Lo of src/tables/root_tables.h
+// Tables: kPow2o3Rows, kPow2o3Lo, kPow2o3Rows32 of src/tables/root_tables.h
 // (gen_root_tables.cpp); fits: fit_pow2o3.sollya.
 #include "frame/blockpath.h"
 #include "frame/frame.h"
@@ -49,27 +51,33 @@ constexpr double kPolyA53[6] = {
     doubleFromBits(0x3F93AA489F6658F0),  //  0.0192042681970514
     doubleFromBits(0xBF8C67EDA66D66D2),  // -0.013870102540454541
 };
-// A26 and A24: degree 3, 1 + P differs from (1 + z)^a by 1.16e-12 = 2^-39.66 relative.
+// A26, and the 32f element paths: degree 3, 1 + P differs from (1 + z)^a by 1.16e-12 = 2^-39.66 relative.
 constexpr double kPolyA26[3] = {
     doubleFromBits(0x3FE555555555142B),  //  0.6666666666648146
     doubleFromBits(0xBFBC71CD386A7B6B),  // -0.1111114752516024
     doubleFromBits(0x3FA948BEE4A989F6),  //  0.04938313046729441
 };
-// A21: degree 2, 1 + P differs from (1 + z)^a by 7.39e-10 = 2^-30.33 relative.
-constexpr double kPolyA21[2] = {
-    doubleFromBits(0x3FE5555684A0B3B5),  //  0.666667231596526
-    doubleFromBits(0xBFBC71CE7C539DD6),  // -0.11111155066793485
+// A24: degree 3, 1 + P differs from (1 + z)^a by 2.83e-11 = 2^-35.04 relative.
+constexpr float kPolyA24[3] = {
+    floatFromBits(0x3F2AAAAB),  //  0.6666666865348816
+    floatFromBits(0xBDE38E6A),  // -0.11111147701740265
+    floatFromBits(0x3D43D5B5),  //  0.04781122878193855
+};
+// A21: degree 2, 1 + P differs from (1 + z)^a by 7.73e-10 = 2^-30.27 relative.
+constexpr float kPolyA21[2] = {
+    floatFromBits(0x3F2AAAB4),  //  0.6666672229766846
+    floatFromBits(0xBDE38E74),  // -0.11111155152320862
 };
 // A11 (Taylor): degree 1, 1 + P differs from (1 + z)^a by 1.71e-6 = 2^-19.16 relative.
-constexpr double kPolyA11[1] = {
-    doubleFromBits(0x3FE5555555555555),  //  0.6666666666666666
+constexpr float kPolyA11[1] = {
+    floatFromBits(0x3F2AAAAB),  //  0.6666666865348816
 };
 // ---- end fit_pow2o3
 
 using Tier53 = RootTier<kPolyA53, true>;
 using Tier26 = RootTier<kPolyA26, false>;
-using Tier24 = RootTier<kPolyA26, false>;
-using Tier21 = RootTier<kPolyA21, false>;
+using Tier24 = RootTier<kPolyA24, true>;
+using Tier21 = RootTier<kPolyA21, true>;
 using Tier11 = RootTier<kPolyA11, false>;
 
 constexpr double kDenormalUnscale = 0x1p-36;  // (2^54)^(-2/3)
@@ -79,8 +87,9 @@ constexpr double kDenormalUnscale = 0x1p-36;  // (2^54)^(-2/3)
 
 struct Pow2o3Family {
     using Power = Pow2o3Power;
+    using WideTier = Tier26;
     static constexpr bool kOdd = false;
-    static int screen32(F32x4 x) { return nonzeroFiniteScreen(x); }
+    static int screen32(F32x4 x) { return normalScreen(x); }
     static int screen64(F64x2 a, F64x2 b) { return normalScreen(a, b); }
 
     template <class Tier>
@@ -88,6 +97,7 @@ struct Pow2o3Family {
         uint32_t magnitude = bitsOf(x) & kAbs32;
         if (magnitude > kInfinity32) return x + x;
         if (magnitude == 0 || magnitude == kInfinity32) return floatFromBits(magnitude);
+        if (magnitude < kSmallestNormal32) return familyFloatWide<Pow2o3Family>(x);
         return familyFloat<Pow2o3Family, Tier>(x);
     }
     template <class Tier>

@@ -11,22 +11,24 @@
 //   64f A53:        P of degree 6 (2^-69.0), the table's hi + lo:
 //                   hi + (lo + hi P), then the power of two.
 //   64f A26 = A50:  one computation: P of degree 5 (2^-59.9), with lo too.
-//   32f (in double, the float widened exactly and the result rounded once
-//   to float, which also makes the overflow to +inf and the float
-//   denormals of the results below 2^-126 one rounding): A24 P of degree 3
-//   (2^-40.0), A21 degree 2 (2^-30.0), A11 the first Taylor term 3z/2
-//   (2^-17.4); hi + hi P.
+//   32f, in binary32 on float rows: A24 P of degree 3 (2^-39.9) and A21
+//   degree 2 (2^-30.0), hi + (lo + hi P); A11 the first Taylor term 3z/2
+//   (2^-17.4), hi + hi P.
 // The bounds in parentheses are those of the fits below; the rest of the
 // error budget is in root_kernel.h.  Exact results (4 -> 8, 2.25 -> 3.375,
 // 2^-600 -> 2^-900) come out exactly from every tier but A11.
 //
-// Screens (raw bits): 32f, the positive finite floats but zero; 64f, the
-// doubles from 2^-680 up to 2^682 (high words kBandLow .. kBandHigh),
-// where the result and its power of two are normal and finite.  Blocks of
-// 8 floats or 4 doubles, WholeBlockFallback.  ElementPath:
+// Screens (raw bits): the floats from 2^-83 up to 2^85 (kBandLow32 ..
+// kBandHigh32) and the doubles from 2^-680 up to 2^682 (high words
+// kBandLow .. kBandHigh), where the result and its power of two are normal
+// and finite.  Blocks of 8 floats or 4 doubles, WholeBlockFallback.
+// ElementPath:
 //   NaN: x + x (quiet), no status.  +-0: +0.  +inf and -inf: +inf, as
 //   pow(x, 1.5).  Negative, not zero, finite: 0xFFC00000 or
 //   0xFFF8000000000000, orvStatusDomain (a stored constant, no flag).
+//   32f outside the band: the double kernel (A50's) on the widened float,
+//   rounded once to float, which makes the overflow to +inf and the
+//   denormal results one rounding.
 //   64f at or above 2^682: (x 2^-400)^(3/2) 2^600, the last product exact
 //   or overflowing to +inf with the IEEE flags of that overflow.
 //   64f below 2^-680 (denormals included): the result is at most 2^-1020,
@@ -35,7 +37,7 @@
 //   denormals (a plain product would round twice).
 //   Everything else: the block formula.
 //
-// Tables: kPow3o2Rows, kPow3o2Lo of src/tables/root_tables.h
+// Tables: kPow3o2Rows, kPow3o2Lo, kPow3o2Rows32 of src/tables/root_tables.h
 // (gen_root_tables.cpp); fits: fit_pow3o2.sollya.
 #include "frame/blockpath.h"
 #include "frame/frame.h"
@@ -59,7 +61,7 @@ constexpr double kPolyA53[6] = {
     doubleFromBits(0xBF88000D80211171),  // -0.01171885058659747
     doubleFromBits(0x3F7C0013C786FCD5),  //  0.006836011184019959
 };
-// A50 and A26: degree 5, 1 + P differs from (1 + z)^a by 9.43e-19 = 2^-59.88 relative.
+// A50 and A26, and the 32f element paths: degree 5, 1 + P differs from (1 + z)^a by 9.43e-19 = 2^-59.88 relative.
 constexpr double kPolyA50[5] = {
     doubleFromBits(0x3FF8000000000000),  //  1.5
     doubleFromBits(0x3FD7FFFFFFFFCFC1),  //  0.3749999999993144
@@ -67,33 +69,37 @@ constexpr double kPolyA50[5] = {
     doubleFromBits(0x3F980009BEFC271E),  //  0.023437645227239227
     doubleFromBits(0xBF88000D5DFE9405),  // -0.011718849593146183
 };
-// A24: degree 3, 1 + P differs from (1 + z)^a by 9.42e-13 = 2^-39.95 relative.
-constexpr double kPolyA24[3] = {
-    doubleFromBits(0x3FF80000000013E2),  //  1.5000000000011302
-    doubleFromBits(0x3FD800013E1E05A2),  //  0.37500029626979814
-    doubleFromBits(0xBFB000043E21FDBB),  // -0.06250025288499376
+// A24: degree 3, 1 + P differs from (1 + z)^a by 9.53e-13 = 2^-39.93 relative.
+constexpr float kPolyA24[3] = {
+    floatFromBits(0x3FC00000),  //  1.5
+    floatFromBits(0x3EC0000A),  //  0.3750002980232239
+    floatFromBits(0xBD800013),  // -0.06250014156103134
 };
-// A21: degree 2, 1 + P differs from (1 + z)^a by 9.38e-10 = 2^-29.99 relative.
-constexpr double kPolyA21[2] = {
-    doubleFromBits(0x3FF7FFFF400BC63D),  //  1.4999992849156023
-    doubleFromBits(0x3FD8000180007000),  //  0.37500035762946027
+// A21: degree 2, 1 + P differs from (1 + z)^a by 9.37e-10 = 2^-29.99 relative.
+constexpr float kPolyA21[2] = {
+    floatFromBits(0x3FBFFFFA),  //  1.4999992847442627
+    floatFromBits(0x3EC0000C),  //  0.37500035762786865
 };
 // A11 (Taylor): degree 1, 1 + P differs from (1 + z)^a by 5.76e-6 = 2^-17.41 relative.
-constexpr double kPolyA11[1] = {
-    doubleFromBits(0x3FF8000000000000),  //  1.5
+constexpr float kPolyA11[1] = {
+    floatFromBits(0x3FC00000),  //  1.5
 };
 // ---- end fit_pow3o2
 
 using Tier53 = RootTier<kPolyA53, true>;
 using Tier50 = RootTier<kPolyA50, true>;
-using Tier24 = RootTier<kPolyA24, false>;
-using Tier21 = RootTier<kPolyA21, false>;
+using Tier24 = RootTier<kPolyA24, true>;
+using Tier21 = RootTier<kPolyA21, true>;
 using Tier11 = RootTier<kPolyA11, false>;
 
 // The block's band of doubles: 2^-680 <= x < 2^682, so that x^(3/2) lies
 // in [2^-1020, 2^1023).
 constexpr uint32_t kBandLow = 0x15700000;   // high word of 2^-680
 constexpr uint32_t kBandHigh = 0x6A900000;  // high word of 2^682
+// The binary32 kernel's band: 2^-83 <= x < 2^85, so that x^(3/2) lies in
+// [2^-124.5, 2^127.5), normal and finite.
+constexpr uint32_t kBandLow32 = 0x16000000;   // 2^-83
+constexpr uint32_t kBandHigh32 = 0x6A000000;  // 2^85
 constexpr double kLargeScale = 0x1p-400;  // into the band, 2^282 .. 2^624
 constexpr double kLargeUnscale = 0x1p600;
 constexpr double kSmallScale = 0x1p700;
@@ -135,9 +141,10 @@ inline double smallPow3o2(double x) {
 
 struct Pow3o2Family {
     using Power = Pow3o2Power;
+    using WideTier = Tier50;
     static constexpr bool kOdd = false;
-    static int screen32(F32x4 x) { return positiveNonzeroScreen(bitsOf(x)); }
-    static int screen64(F64x2 a, F64x2 b) { return highWordBandScreen<kBandLow, kBandHigh>(highWords(a, b)); }
+    static int screen32(F32x4 x) { return bandScreen<kBandLow32, kBandHigh32>(bitsOf(x)); }
+    static int screen64(F64x2 a, F64x2 b) { return bandScreen<kBandLow, kBandHigh>(highWords(a, b)); }
 
     template <class Tier>
     static float element32(float x, StatusVar& status) {
@@ -148,6 +155,7 @@ struct Pow3o2Family {
             status.write(orvStatusDomain);
             return floatFromBits(kDefaultNaN32);
         }
+        if (!passesBand<kBandLow32, kBandHigh32>(b)) return familyFloatWide<Pow3o2Family>(x);
         return familyFloat<Pow3o2Family, Tier>(x);
     }
     template <class Tier>

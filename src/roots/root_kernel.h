@@ -1,16 +1,16 @@
 // The kernel of the rational powers x^(p/b): Cbrt (1/3), InvCbrt (-1/3),
 // Pow2o3 (2/3) and Pow3o2 (3/2), on positive normal doubles, four at a
-// time.  The 32f members widen their floats exactly to doubles (a float
-// denormal is a normal double) and round the result once back to float.
+// time, and the same route in binary32 for the 32f blocks (below); the 32f
+// ElementPaths widen what that cannot take (float denormals, the far ends
+// of Pow3o2) exactly to doubles and round the result once back to float.
 //
 // Reduction.  A positive normal double with biased exponent E and
 // significand m in [1, 2) is
 //   x = 2^(E - 1023) m = 2^(b (q - Q0)) * 2^(r - R0) * m,
 // with 1023 = b Q0 + R0 and E = b q + r, 0 <= r < b, so
 //   x^(p/b) = 2^(p (q - Q0)) * (2^(r - R0) m)^(p/b).
-// For b = 3, q = floor(E/3) is found in binary32 as round((E - 1)/3): the
-// quotient's fraction is 0, 1/3 or 2/3, far from 1/2 against the rounding
-// of 1/3 (2^-25 relative on a quotient below 682); for b = 2 it is a shift.
+// For b = 3, q = floor(E/3) comes from one multiplication by 0x5556/2^16;
+// for b = 2 it is a shift.
 // The top 7 fraction bits of m pick one of 128 pieces of [1, 2); c is its
 // centre 1 + (2k + 1)/256, and
 //   (2^(r - R0) m)^(p/b) = T * (1 + z)^(p/b),   T = (2^(r - R0) c)^(p/b),
@@ -23,8 +23,7 @@
 // (fits in the family files), and
 //   with lo:      x^(p/b) = 2^(p (q - Q0)) * (hi + (lo + hi P(z)))
 //   without:      x^(p/b) = 2^(p (q - Q0)) * (hi + hi P(z))
-// (64f tiers but Pow2o3 A26 take lo; the 32f tiers need not, hi alone
-// being 2^-53 relative.)
+// (all tiers but Pow2o3 64f A26 and the 32f A11 take lo.)
 // The power of two is built in the exponent field and the product with it
 // is exact wherever the screens let a block through.  With lo the
 // last addition is the one rounding of consequence: hi P is below 2^-7 of
@@ -56,8 +55,9 @@ constexpr uint64_t kPieceBits64 = 0x000FE00000000000;
 constexpr uint64_t kHalfPiece64 = 0x0000100000000000;
 constexpr uint32_t kPieceMask = 127;
 constexpr int kPieceShift = 13;  // of the high word
-constexpr float kThird32 = 1.0f / 3.0f;
-constexpr float kShifter32 = 12582912.0f;  // 1.5 * 2^23: adds and rounds to an integer
+// floor(E/3) = (E * 0x5556) >> 16 for 0 <= E < 2^12: 0x5556/2^16 exceeds
+// 1/3 by 2^-16/3, so the product's fraction stays below 2/3 + 2^-6 < 1.
+constexpr uint32_t kThirdQ16 = 0x5556;
 
 // The four powers: numerator p, denominator b and their tables.
 template <int P, int B>
@@ -72,18 +72,22 @@ struct RationalPower {
 struct CbrtPower : RationalPower<1, 3> {
     static constexpr const tables::RootRow* kRows = tables::kCbrtRows;
     static constexpr const uint64_t* kLo = tables::kCbrtLo;
+    static constexpr const tables::RootRow32* kRows32 = tables::kCbrtRows32;
 };
 struct InvCbrtPower : RationalPower<-1, 3> {
     static constexpr const tables::RootRow* kRows = tables::kInvCbrtRows;
     static constexpr const uint64_t* kLo = tables::kInvCbrtLo;
+    static constexpr const tables::RootRow32* kRows32 = tables::kInvCbrtRows32;
 };
 struct Pow2o3Power : RationalPower<2, 3> {
     static constexpr const tables::RootRow* kRows = tables::kPow2o3Rows;
     static constexpr const uint64_t* kLo = tables::kPow2o3Lo;
+    static constexpr const tables::RootRow32* kRows32 = tables::kPow2o3Rows32;
 };
 struct Pow3o2Power : RationalPower<3, 2> {
     static constexpr const tables::RootRow* kRows = tables::kPow3o2Rows;
     static constexpr const uint64_t* kLo = tables::kPow3o2Lo;
+    static constexpr const tables::RootRow32* kRows32 = tables::kPow3o2Rows32;
 };
 
 // A tier: its polynomial (coefficients of z^1 .. z^n) and whether the
@@ -97,29 +101,17 @@ struct RootTier {
 // ---- Screens -------------------------------------------------------------
 // Each returns the mask of the lanes that fail.
 
-// Binary32 patterns 1 .. 0x7F7FFFFF pass (positive, finite, not zero):
-// bits + 0x7FFFFFFF runs from INT32_MIN up to 0xFF7FFFFE for them, and is
-// larger, as a signed integer, for zero, infinity, NaN and every negative
-// pattern.  On magnitudes it passes the finite numbers other than zero.
-constexpr uint32_t kNonzeroFiniteBias32 = 0x7FFFFFFF;
-constexpr uint32_t kNonzeroFiniteLimit32 = 0xFF7FFFFE;
-inline int positiveNonzeroScreen(I32x4 bits) {
-    return signMask32(cmpGt32(add32(bits, splat32(kNonzeroFiniteBias32)), splat32(kNonzeroFiniteLimit32)));
-}
-inline bool passesPositiveNonzero32(uint32_t bits) {
-    return int32_t(bits + kNonzeroFiniteBias32) <= int32_t(kNonzeroFiniteLimit32);
-}
-
-// High words from lo up to, not including, hi pass: the positive normal
-// screen's one subtraction and one signed compare, with other ends.
+// Patterns (binary32 bits, or the high words of doubles) from lo up to,
+// not including, hi pass: the positive normal screen's one subtraction and
+// one signed compare, with other ends.
 template <uint32_t kLow, uint32_t kHigh>
-inline int highWordBandScreen(I32x4 highWords4) {
-    I32x4 shifted = sub32(highWords4, splat32(kLow + 0x80000000u));
+inline int bandScreen(I32x4 words) {
+    I32x4 shifted = sub32(words, splat32(kLow + 0x80000000u));
     return signMask32(cmpGt32(shifted, splat32(kHigh - kLow - 1 + 0x80000000u)));
 }
 template <uint32_t kLow, uint32_t kHigh>
-inline bool passesHighWordBand(uint32_t high) {
-    return int32_t(high - (kLow + 0x80000000u)) <= int32_t(kHigh - kLow - 1 + 0x80000000u);
+inline bool passesBand(uint32_t word) {
+    return int32_t(word - (kLow + 0x80000000u)) <= int32_t(kHigh - kLow - 1 + 0x80000000u);
 }
 
 // ---- Kernel --------------------------------------------------------------
@@ -142,26 +134,33 @@ inline F64x2 reducedZ(F64x2 x, F64x2 inv) {
     return (m - c) * inv;  // m - c exact
 }
 
+// E = b q + r for four biased exponents (of the double format), and p q.
+struct ExponentSplit {
+    I32x4 q, r, pq;
+};
+template <class Power>
+inline ExponentSplit splitExponent(I32x4 e) {
+    ExponentSplit s;
+    if constexpr (Power::kB == 3) {
+        s.q = mulHigh16(e, splat32(kThirdQ16));
+        s.r = sub32(e, add32(add32(s.q, s.q), s.q));
+    } else {
+        s.q = shr32<1>(e);
+        s.r = e & splat32(1);
+    }
+    if constexpr (Power::kP == 1) s.pq = s.q;
+    if constexpr (Power::kP == -1) s.pq = sub32(splat32(0), s.q);
+    if constexpr (Power::kP == 2) s.pq = add32(s.q, s.q);
+    if constexpr (Power::kP == 3) s.pq = add32(add32(s.q, s.q), s.q);
+    return s;
+}
+
 template <class Power>
 inline Reduced reduce(F64x2 a, F64x2 b) {
     I32x4 high = highWords(a, b);
-    I32x4 e = shr32<20>(high);
-    I32x4 q, r;
-    if constexpr (Power::kB == 3) {
-        F32x4 t = toFloat(sub32(e, splat32(1))) * splat(kThird32) + splat(kShifter32);
-        q = sub32(bitsOf(t), bitsOf(splat(kShifter32)));
-        r = sub32(e, add32(add32(q, q), q));
-    } else {
-        q = shr32<1>(e);
-        r = e & splat32(1);
-    }
-    I32x4 j = shl32<7>(r) | (shr32<kPieceShift>(high) & splat32(kPieceMask));
-    I32x4 pq;
-    if constexpr (Power::kP == 1) pq = q;
-    if constexpr (Power::kP == -1) pq = sub32(splat32(0), q);
-    if constexpr (Power::kP == 2) pq = add32(q, q);
-    if constexpr (Power::kP == 3) pq = add32(add32(q, q), q);
-    I32x4 field = add32(pq, splat32(uint32_t(Power::kFieldOffset)));
+    ExponentSplit s = splitExponent<Power>(shr32<20>(high));
+    I32x4 j = shl32<7>(s.r) | (shr32<kPieceShift>(high) & splat32(kPieceMask));
+    I32x4 field = add32(s.pq, splat32(uint32_t(Power::kFieldOffset)));
     I32x4 zero = splat32(0);
     Reduced red;
     red.j0 = laneAt<0>(j);
@@ -179,11 +178,11 @@ inline Reduced reduce(F64x2 a, F64x2 b) {
     return red;
 }
 
-// P(z) = z (c1 + z (c2 + ... + z cn)).
-template <class Tier>
-inline F64x2 powerPolynomial(F64x2 z) {
+// P(z) = z (c1 + z (c2 + ... + z cn)), in doubles or in floats.
+template <class Tier, class V>
+inline V powerPolynomial(V z) {
     constexpr int n = sizeof(Tier::kC) / sizeof(Tier::kC[0]);
-    F64x2 s = splat(Tier::kC[n - 1]);
+    V s = splat(Tier::kC[n - 1]);
     for (int i = n - 2; i >= 0; --i) s = s * z + splat(Tier::kC[i]);
     return s * z;
 }
@@ -211,12 +210,47 @@ inline Quad rootQuad(F64x2 a, F64x2 b) {
     return {(s.hi0 + s.tail0) * red.scale0, (s.hi1 + s.tail1) * red.scale1};
 }
 
-// The same of four floats, widened (any finite float but zero), rounded
-// once to float.
+// The same of four positive floats, widened (any finite float but zero:
+// float denormals are normal doubles), rounded once to float.  The 32f
+// ElementPaths take it where the binary32 kernel below cannot go.
 template <class Power, class Tier>
-inline F32x4 rootFloat4(F32x4 x) {
+inline F32x4 rootFloat4Wide(F32x4 x) {
     Quad y = rootQuad<Power, Tier>(widenLow(x), widenHigh(x));
     return narrow(y.v0, y.v1);
+}
+
+// The binary32 kernel: the same reduction on the float's fields, its
+// exponent rebased to 1023 so that the rows are those of the doubles, the
+// float rows (hi, lo, inv) brought by one load each and transposed, and
+//   x^(p/b) = 2^(p (q - Q0)) * (hi + (lo + hi P(z)))     (A21, A24)
+//   x^(p/b) = 2^(p (q - Q0)) * (hi + hi P(z))            (A11)
+// in binary32.  m - c is exact, z has one rounding (2^-24 relative, 2^-32
+// absolute) besides that of inv, hi P is below 2^-7 of the result: the
+// last addition's rounding dominates and the rest adds below 0.02 ulp.
+// For positive normal floats whose result and power of two are normal
+// (the screens see to it).
+constexpr uint32_t kFraction32 = 0x007FFFFF;
+constexpr uint32_t kOneBits32 = 0x3F800000;
+constexpr uint32_t kPieceBits32 = 0x007F0000;
+constexpr uint32_t kHalfPiece32 = 0x00008000;
+constexpr int kPieceShift32 = 16;
+constexpr int kRebase32 = 1023 - 127;
+
+template <class Power, class Tier>
+inline F32x4 rootFloat4(F32x4 x) {
+    I32x4 bits = bitsOf(x);
+    ExponentSplit s = splitExponent<Power>(add32(shr32<23>(bits), splat32(kRebase32)));
+    I32x4 j = shl32<7>(s.r) | (shr32<kPieceShift32>(bits) & splat32(kPieceMask));
+    F32x4 hi = load(&Power::kRows32[laneAt<0>(j)].hi), lo = load(&Power::kRows32[laneAt<1>(j)].hi);
+    F32x4 inv = load(&Power::kRows32[laneAt<2>(j)].hi), unused = load(&Power::kRows32[laneAt<3>(j)].hi);
+    transpose(hi, lo, inv, unused);  // rows to columns: hi, lo, inv, zero
+    F32x4 m = asF32x4((bits & splat32(kFraction32)) | splat32(kOneBits32));
+    F32x4 c = asF32x4((bits & splat32(kPieceBits32)) | splat32(kOneBits32 | kHalfPiece32));
+    F32x4 z = (m - c) * inv;  // m - c exact
+    F32x4 tail = hi * powerPolynomial<Tier>(z);
+    if constexpr (Tier::kLo) tail = lo + tail;
+    I32x4 field = add32(s.pq, splat32(uint32_t(Power::kFieldOffset - kRebase32)));
+    return (hi + tail) * asF32x4(shl32<23>(field));
 }
 
 // ---- Blocks and members ----------------------------------------------------
@@ -287,14 +321,27 @@ inline OrvStatus rootMember64(const double* src, double* dst, int32_t len) {
     });
 }
 
-// Screens of the families whose block takes both signs: every finite float
-// but zero; every normal double.
-inline int nonzeroFiniteScreen(F32x4 x) { return positiveNonzeroScreen(bitsOf(x) & splat32(kAbs32)); }
+// Screens of the families whose block takes both signs: the normal floats
+// and the normal doubles.
+inline int normalScreen(F32x4 x) { return positiveNormalScreen(asF32x4(bitsOf(x) & splat32(kAbs32))); }
 inline int normalScreen(F64x2 a, F64x2 b) { return positiveNormalScreen(highWords(a, b) & splat32(kAbs32)); }
+
+// The 32f ElementPaths' route for what the binary32 kernel does not take
+// (float denormals, and the far ends of Pow3o2): the double kernel, with
+// the sign as the family gives it, one rounding to float.
+template <class Family>
+inline float familyFloatWide(float x) {
+    F32x4 v = splat(x);
+    F32x4 sign = v & splatBits32(kSign32);
+    F32x4 y = rootFloat4Wide<typename Family::Power, typename Family::WideTier>(v ^ sign);
+    if constexpr (Family::kOdd) y = y | sign;
+    return lane0(y);
+}
 
 // Denormal doubles are scaled by 2^54 into the normal range first; the
 // result then takes the factor 2^(-54 p/b), exact.
 constexpr double kDenormalScale64 = 0x1p54;
 constexpr uint64_t kSmallestNormal64 = 0x0010000000000000;
+constexpr uint32_t kSmallestNormal32 = 0x00800000;
 
 }  // namespace orv::roots

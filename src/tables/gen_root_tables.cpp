@@ -13,7 +13,11 @@
 //   hi:  the double nearest to (2^(r - R0) c_k)^(p/b);
 //   inv: the double nearest to 1/c_k (the same in every family);
 // and the family's lo table the double nearest to the rest, value - hi, so
-// that hi + lo carries the value to about 2^-105.
+// that hi + lo carries the value to about 2^-105.  The 32f kernel works in
+// binary32 on the same rows (its exponent is rebased to 1023 first), each
+// row of k<Family>Rows32 holding the float nearest to the value (hi), the
+// float nearest to value - hi (lo), the float nearest to 1/c_k (inv) and a
+// zero, so that one 16-byte load brings a whole row.
 //
 // Usage: gen_root_tables > src/tables/root_tables.h
 #include <mpfr.h>
@@ -23,6 +27,11 @@
 
 namespace {
 
+uint32_t floatBits(float f) {
+    uint32_t b;
+    __builtin_memcpy(&b, &f, 4);
+    return b;
+}
 unsigned long long doubleBits(double d) {
     uint64_t b;
     __builtin_memcpy(&b, &d, 8);
@@ -78,6 +87,20 @@ void table(const Power& f) {
     std::printf("alignas(16) inline constexpr uint64_t k%sLo[%d] = {\n", f.name, rows);
     for (int j = 0; j < rows; ++j)
         std::printf("%s0x%016llX,%s", j % 4 == 0 ? "    " : "", doubleBits(lo[j]), j % 4 == 3 ? "\n" : " ");
+    std::printf("};\n");
+    std::printf("alignas(16) inline constexpr RootRow32 k%sRows32[%d] = {\n", f.name, rows);
+    for (int j = 0; j < rows; ++j) {
+        const int r = j / 128, k = j % 128;
+        rowValue(exact, f, r, k);
+        float hi = mpfr_get_flt(exact, MPFR_RNDN);
+        mpfr_sub_d(rest, exact, double(hi), MPFR_RNDN);  // exact at 256 bits
+        mpfr_set_ui(inv, 2 * k + 1, MPFR_RNDN);
+        mpfr_div_2ui(inv, inv, 8, MPFR_RNDN);
+        mpfr_add_ui(inv, inv, 1, MPFR_RNDN);
+        mpfr_ui_div(inv, 1, inv, MPFR_RNDN);
+        std::printf("    {floatFromBits(0x%08X), floatFromBits(0x%08X), floatFromBits(0x%08X), 0.0f},\n",
+                    floatBits(hi), floatBits(mpfr_get_flt(rest, MPFR_RNDN)), floatBits(mpfr_get_flt(inv, MPFR_RNDN)));
+    }
     std::printf("};\n\n");
     mpfr_clears(exact, rest, inv, (mpfr_ptr)0);
 }
@@ -90,9 +113,11 @@ int main() {
         "//\n"
         "// Rows of the rational powers x^(p/b): hi, the double nearest to (2^(r - R0) c_k)^(p/b)\n"
         "// with c_k = 1 + (2k + 1)/256, and inv, the double nearest to 1/c_k; and the rest\n"
-        "// value - hi rounded to a double, as raw bits.  The rules are stated in the generator.\n"
+        "// value - hi rounded to a double, as raw bits; and rows of floats: hi, lo and inv.  The rules\n"
+        "// are stated in the generator.\n"
         "#pragma once\n\n#include <cstdint>\n\n#include \"frame/bits.h\"\n\nnamespace orv::tables {\n\n"
-        "struct RootRow {\n    double hi;\n    double inv;\n};\n\n");
+        "struct RootRow {\n    double hi;\n    double inv;\n};\n"
+        "struct RootRow32 {\n    float hi;\n    float lo;\n    float inv;\n    float zero;\n};\n\n");
     const Power powers[] = {{"Cbrt", "x^(1/3)", 1, 3, 0},
                             {"InvCbrt", "x^(-1/3)", -1, 3, 0},
                             {"Pow2o3", "x^(2/3)", 2, 3, 0},
