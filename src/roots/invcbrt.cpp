@@ -162,11 +162,11 @@ const std::vector<Box> kRanges64 = {kOrdinary, kFinite64, symmetric(1e-300), kBe
 }  // namespace
 
 ORV_RECORDS(
-    {.member = "orvsInvCbrt_32f_A11", .maxUlp = 56.67, .worst = {-0x1.0000ap+9f}, .ranges = kRanges32},
-    {.member = "orvsInvCbrt_32f_A21", .maxUlp = 0.5427, .worst = {0x1.028428p+9f}, .ranges = kRanges32},
-    {.member = "orvsInvCbrt_32f_A24", .maxUlp = 0.5001, .worst = {-0x1.09accep+85f}, .ranges = kRanges32},
-    {.member = "orvsInvCbrt_64f_A26", .maxUlp = 0.6353, .worst = {0x1.08889d4ba03dep+9}, .ranges = kRanges64, .sameAs = "orvsInvCbrt_64f_A50"},
-    {.member = "orvsInvCbrt_64f_A50", .maxUlp = 0.6353, .worst = {0x1.08889d4ba03dep+9}, .ranges = kRanges64},
+    {.member = "orvsInvCbrt_32f_A11", .maxUlp = 56.76, .worst = {-0x1.01ffe4p-114f}, .ranges = kRanges32},
+    {.member = "orvsInvCbrt_32f_A21", .maxUlp = 0.5424, .worst = {-0x1.048748p+9f}, .ranges = kRanges32},
+    {.member = "orvsInvCbrt_32f_A24", .maxUlp = 0.5025, .worst = {0x1.002ep+126f}, .ranges = kRanges32},
+    {.member = "orvsInvCbrt_64f_A26", .maxUlp = 0.6357, .worst = {-0x0.86f36990f6127p-1022}, .ranges = kRanges64, .sameAs = "orvsInvCbrt_64f_A50"},
+    {.member = "orvsInvCbrt_64f_A50", .maxUlp = 0.6357, .worst = {-0x0.86f36990f6127p-1022}, .ranges = kRanges64},
     {.member = "orvsInvCbrt_64f_A53", .maxUlp = 0.5034, .worst = {-0x1.07c8c579cbe54p+9}, .ranges = kRanges64})
 }  // namespace orv
 #endif
