@@ -276,6 +276,53 @@ ORVVM_API OrvStatus orvsAbs_64fc_A26(const Orv64fc* src, Orv64f* dst, int32_t le
 ORVVM_API OrvStatus orvsAbs_64fc_A50(const Orv64fc* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsAbs_64fc_A53(const Orv64fc* src, Orv64f* dst, int32_t len);
 
+/* ---- Rational powers ----------------------------------------------------
+ * Cube root, its reciprocal, x^(2/3) and x^(3/2), from one table-driven
+ * kernel: the exponent divided by 3 (or 2), a table of 128 centres per
+ * binade and a short polynomial.  Round to nearest inside the call
+ * whatever the caller's MXCSR.  Exact powers give exact results in every
+ * tier above the lowest (and, for Pow2o3, above A26).  The 64f A26 and A50
+ * members of Cbrt, InvCbrt and Pow3o2, and the 64f A50 and A53 members of
+ * Pow2o3, give equal results. */
+
+/* Cbrt: dst[i] = cbrt(src[i]), odd in x.  Shape U.  +-0 and +-inf give
+   themselves.  Always orvStatusOk after the argument checks. */
+ORVVM_API OrvStatus orvsCbrt_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCbrt_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCbrt_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCbrt_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCbrt_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCbrt_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
+/* InvCbrt: dst[i] = 1 / cbrt(src[i]), odd in x.  Shape U.  +-0 gives
+   +-infinity and orvStatusSingularity; +-inf gives +-0. */
+ORVVM_API OrvStatus orvsInvCbrt_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInvCbrt_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInvCbrt_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInvCbrt_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInvCbrt_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsInvCbrt_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
+/* Pow2o3: dst[i] = cbrt(src[i]^2), even in x.  Shape U.  +-0 gives +0,
+   +-inf gives +inf.  Always orvStatusOk after the argument checks. */
+ORVVM_API OrvStatus orvsPow2o3_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow2o3_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow2o3_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow2o3_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow2o3_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow2o3_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
+/* Pow3o2: dst[i] = src[i]^(3/2), rounded once.  Shape U.  A negative finite
+   argument gives a NaN and orvStatusDomain; -0 gives +0 and -inf gives
+   +inf, as pow(x, 1.5) does; a result beyond the largest finite value is
+   +inf with no warning. */
+ORVVM_API OrvStatus orvsPow3o2_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow3o2_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow3o2_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow3o2_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow3o2_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsPow3o2_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
 /* ---- Logarithms ---------------------------------------------------------
  * Ln: dst[i] = ln(src[i]).  Log10: dst[i] = log10(src[i]).  Shape U.
  * Zero (either sign) gives -inf and orvStatusSingularity; a negative

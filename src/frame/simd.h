@@ -232,6 +232,10 @@ template <int n>
 inline I32x4 shl64(I32x4 a) { return {_mm_slli_epi64(a.v, n)}; }
 template <int n>
 inline I32x4 shr64(I32x4 a) { return {_mm_srli_epi64(a.v, n)}; }
+// The high 16 bits of the unsigned products of the 16-bit lanes: on 32-bit
+// lanes below 2^16 times a factor below 2^16 (the high halves zero), that
+// is (a * b) >> 16 per 32-bit lane, a division by a constant.
+inline I32x4 mulHigh16(I32x4 a, I32x4 b) { return {_mm_mulhi_epu16(a.v, b.v)}; }
 // Signed 32-bit compares: all ones where true.
 inline I32x4 cmpGt32(I32x4 a, I32x4 b) { return {_mm_cmpgt_epi32(a.v, b.v)}; }
 inline I32x4 cmpLt32(I32x4 a, I32x4 b) { return {_mm_cmplt_epi32(a.v, b.v)}; }

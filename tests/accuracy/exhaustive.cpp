@@ -56,7 +56,7 @@ const std::map<std::string, RefFn>& doubleReferences() {
         {"Rint", [](double x) { return std::nearbyint(x); }},
         {"NearbyInt", [](double x) { return std::nearbyint(x); }},
         {"Pow2o3", [](double x) { return std::cbrt(x * x); }},
-        {"Pow3o2", [](double x) { return x < 0 ? NAN : x * std::sqrt(x); }},
+        {"Pow3o2", [](double x) { return x == -INFINITY ? INFINITY : x < 0 ? NAN : x * std::sqrt(x); }},
     };
     return refs;
 }
