@@ -51,6 +51,31 @@ inline V subtractParts(V x, V k, const S (&parts)[P]) {
     return r;
 }
 
+// s + e = a - b exactly (Knuth's two-sum on a and -b, for any order of
+// magnitudes): the rounding error of s = a - b.
+template <class V>
+inline V differenceError(V a, V b, V s) {
+    const V bb = s - a;
+    return (a - (s - bb)) - (b + bb);
+}
+
+// The four parts subtracted left to right as above, but with the roundings
+// of the second and third subtractions carried and put back with the last
+// part.  Where r is small those subtractions are exact (Sterbenz), the
+// carries are zero and r is that of subtractParts; where |r| is near pi/4
+// they save up to an ulp of r, which the tangent doubles there.
+template <class V, class S>
+inline V subtractPartsCarried(V x, V k, const S (&parts)[4]) {
+    const V r0 = x - k * splat(parts[0]);
+    const V b1 = k * splat(parts[1]);
+    const V r1 = r0 - b1;
+    const V e1 = differenceError(r0, b1, r1);
+    const V b2 = k * splat(parts[2]);
+    const V r2 = r1 - b2;
+    const V e2 = differenceError(r1, b2, r2);
+    return r2 + ((e1 + e2) - k * splat(parts[3]));
+}
+
 // The shifted sum x 2/pi + 1.5*2^23, whose low bits hold k (with its sign:
 // the low bits of 1.5*2^23 + k are k mod 2^22), and k itself.
 inline F32x4 shiftedQuadrants(F32x4 x) { return x * splat(kTwoOverPi32) + splat(kShifter23); }

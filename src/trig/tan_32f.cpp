@@ -10,7 +10,9 @@
 // before N is formed.  No table, no branch in the block.
 //   A11: pi/2 in 3 single parts, N = 1 + n1 z, D = 1 + d1 z + d2 z^2, in
 //        single; relative error of the function 2^-25.1.
-//   A21: pi/2 in 4 single parts, the same function.
+//   A21: pi/2 in 4 single parts, subtracted with the roundings of the
+//        middle two carried to the last; the same function.
+// In both, N = r' + (r' z) n1, rounded once.
 //   A24: k from the float product x 2/pi rounded to an integer, then in
 //        double: pi/2 in 2 parts, N and D of A11's form with double
 //        coefficients (relative error 2^-25.0), the quotient rounded once
@@ -68,14 +70,24 @@ namespace {
 
 // ---- Kernels ----------------------------------------------------------------
 
-// A11 and A21 on four floats.
+// A11 and A21 on four floats.  A21 carries the roundings of its
+// subtractions (half_pi_reduction.h), which keeps it inside its 4 ulps
+// where |r| is near pi/4.
 template <size_t Parts>
 inline F32x4 tanSingle(F32x4 x, const float (&parts)[Parts]) {
     const F32x4 shifted = trig::shiftedQuadrants(x);
-    const F32x4 r = trig::subtractParts(x, trig::quadrantsOf(shifted), parts);
+    const F32x4 k = trig::quadrantsOf(shifted);
+    F32x4 r;
+    if constexpr (Parts == 4)
+        r = trig::subtractPartsCarried(x, k, parts);
+    else
+        r = trig::subtractParts(x, k, parts);
     const F32x4 odd = asF32x4(shl32<31>(bitsOf(shifted)));  // the parity of k as a sign
     const F32x4 z = r * r;
-    const F32x4 N = (r ^ odd) * (splat(kN1) * z + splat(1.0f));
+    // r' (1 + n1 z) as r' + (r' z) n1: the small term's roundings count
+    // for little, and N takes one rounding of its own instead of two.
+    const F32x4 rs = r ^ odd;
+    const F32x4 N = rs + (rs * z) * splat(kN1);
     const F32x4 D = (splat(kD2) * z + splat(kD1)) * z + splat(1.0f);
     const F32x4 even = trig::evenQuadrants(shifted);
     return select(even, N, D) / select(even, D, N);

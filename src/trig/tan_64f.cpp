@@ -9,8 +9,10 @@
 //   A26: pi/2 in 3 parts, N and D of 3 terms each (their constant terms
 //        1.15590341789 and 1.15590341786, not 1); relative error of the
 //        function 2^-35.4.
-//   A50: pi/2 in 4 parts (half_pi_reduction.h), N and D of 4 terms, with
-//        N(0) = D(0) = 1; relative error 2^-54.2.
+//   A50: pi/2 in 4 parts (half_pi_reduction.h), subtracted with the
+//        roundings of the middle two carried to the last; N and D of 4
+//        terms, with N(0) = D(0) = 1, relative error 2^-54.1; N formed as
+//        r + (r z) P(z), rounded once.
 //   A53: two stages over batches of up to 768 elements, their values kept
 //        in a work area on the stack.  The first reduces four elements a
 //        round in double: pi/2 = -P1 - P2 + P3 (the double kernel's three
@@ -105,12 +107,18 @@ struct Reduced {
     F64x2 r, shifted, sign;
 };
 
-template <size_t Parts>
+// A26 subtracts its parts plainly, A50 with the roundings carried (which
+// keeps A50 well inside its 4 ulps where |r| is near pi/4).
+template <bool Carried, size_t Parts>
 inline Reduced reduce(F64x2 x, const double (&parts)[Parts]) {
     const F64x2 sign = x & splatBits64(kSign64);
     const F64x2 a = x ^ sign;
     const F64x2 shifted = trig::shiftedQuadrants(a);
-    return {trig::subtractParts(a, trig::quadrantsOf(shifted), parts), shifted, sign};
+    const F64x2 k = trig::quadrantsOf(shifted);
+    if constexpr (Carried)
+        return {trig::subtractPartsCarried(a, k, parts), shifted, sign};
+    else
+        return {trig::subtractParts(a, k, parts), shifted, sign};
 }
 
 // The quotient N/D or D/N, and its sign.
@@ -121,7 +129,7 @@ inline F64x2 turnOver(const Reduced& red, F64x2 N, F64x2 D) {
 }
 
 inline F64x2 tan26(F64x2 x) {
-    const Reduced red = reduce(x, kHalfPi26);
+    const Reduced red = reduce<false>(x, kHalfPi26);
     const F64x2 z = red.r * red.r;
     const F64x2 N = red.r * ((splat(kA26N2) * z + splat(kA26N1)) * z + splat(kA26N0));
     const F64x2 D = (splat(kA26D2) * z + splat(kA26D1)) * z + splat(kA26D0);
@@ -129,9 +137,12 @@ inline F64x2 tan26(F64x2 x) {
 }
 
 inline F64x2 tan50(F64x2 x) {
-    const Reduced red = reduce(x, trig::kHalfPi50);
+    const Reduced red = reduce<true>(x, trig::kHalfPi50);
     const F64x2 z = red.r * red.r;
-    const F64x2 N = red.r * (((splat(kA50N3) * z + splat(kA50N2)) * z + splat(kA50N1)) * z + splat(1.0));
+    // r (1 + z P(z)) as r + (r z) P(z), so that N is rounded once at the
+    // end and the roundings inside the small term count for little: the
+    // member's error stays well inside its 4 ulps.
+    const F64x2 N = red.r + (red.r * z) * ((splat(kA50N3) * z + splat(kA50N2)) * z + splat(kA50N1));
     const F64x2 D = ((splat(kA50D3) * z + splat(kA50D2)) * z + splat(kA50D1)) * z + splat(1.0);
     return turnOver(red, N, D);
 }
