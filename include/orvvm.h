@@ -443,6 +443,7 @@ ORVVM_API OrvStatus orvsCos_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len)
  * checks len first, then src, dstSin, dstCos.  Either destination may be
  * src itself.  Warning: orvStatusDomain for +-inf, whose results are the
  * default NaN in both arrays, with the invalid flag.
+ * sin(-0) is +0 but in orvsSinCos_64f_A50; cos(+-0) is 1.
  * CIS: dst[i].re = cos src[i], dst[i].im = sin src[i], from a real array.
  * Shape P.  Never warns: +-inf gives the default NaN in both parts, with no
  * flag.  The three tiers of each type are one routine.

@@ -73,7 +73,8 @@ inline V subtractPartsCarried(V x, V k, const S (&parts)[4]) {
     const V b2 = k * splat(parts[2]);
     const V r2 = r1 - b2;
     const V e2 = differenceError(r1, b2, r2);
-    return r2 + ((e1 + e2) - k * splat(parts[3]));
+    // r2 + ((e1 + e2) - k p4), written so that x = -0 keeps its sign.
+    return r2 - (k * splat(parts[3]) - (e1 + e2));
 }
 
 // The shifted sum x 2/pi + 1.5*2^23, whose low bits hold k (with its sign:

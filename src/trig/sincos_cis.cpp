@@ -44,8 +44,8 @@
 // (0xFFC00000, 0xFFF8000000000000), orvStatusDomain and the invalid flag;
 // a NaN comes back quiet in both.  CIS never warns: +-inf gives the default
 // NaN in both parts with no status and no flag, a NaN both parts quiet.
-// sin(-0) is +0 from the blocks (a positive zero is added to it) but -0 in
-// SinCos 32f A24, CIS 32fc and SinCos 64f A50; cos(+-0) is 1.
+// sin(-0) is +0 from the blocks (a positive zero is added to it) but in
+// SinCos 64f A50, which works on |x| and gives -0; cos(+-0) is 1.
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "frame/simd.h"
@@ -303,11 +303,12 @@ inline void loop32(const float* src, int32_t len, Write&& write, Element&& eleme
     blockRounds<8>(
         len,
         [&](int32_t i) {
+            // Screened first: an infinity never meets the arithmetic, whose
+            // invalid flag CIS must not raise.
             const F32x4 x0 = load(src + i), x1 = load(src + i + 4);
-            const Pair<F32x4> y0 = Kernel(x0), y1 = Kernel(x1);
             if ((magnitudeScreen(x0, kFails) | magnitudeScreen(x1, kFails)) != 0) return false;
-            write(i, y0);
-            write(i + 4, y1);
+            write(i, Kernel(x0));
+            write(i + 4, Kernel(x1));
             return true;
         },
         [&](int32_t i) {
@@ -329,15 +330,13 @@ inline void loop64(const double* src, int32_t len, Write&& write, Element&& elem
         [&](int32_t i) {
             if constexpr (N == 2) {
                 const F64x2 x0 = load(src + i);
-                const Pair<F64x2> y0 = Kernel(x0);
                 if (magnitudeScreen(x0, PassBelow) != 0) return false;
-                write(i, y0);
+                write(i, Kernel(x0));
             } else {
                 const F64x2 x0 = load(src + i), x1 = load(src + i + 2);
-                const Pair<F64x2> y0 = Kernel(x0), y1 = Kernel(x1);
                 if (magnitudeScreen(x0, x1, PassBelow) != 0) return false;
-                write(i, y0);
-                write(i + 2, y1);
+                write(i, Kernel(x0));
+                write(i + 2, Kernel(x1));
             }
             return true;
         },

@@ -85,9 +85,10 @@ inline F32x4 tanSingle(F32x4 x, const float (&parts)[Parts]) {
     const F32x4 odd = asF32x4(shl32<31>(bitsOf(shifted)));  // the parity of k as a sign
     const F32x4 z = r * r;
     // r' (1 + n1 z) as r' + (r' z) n1: the small term's roundings count
-    // for little, and N takes one rounding of its own instead of two.
+    // for little, and N takes one rounding of its own instead of two.  N
+    // has the sign of r', which the or puts back on r' = -0 (tan -0 = -0).
     const F32x4 rs = r ^ odd;
-    const F32x4 N = rs + (rs * z) * splat(kN1);
+    const F32x4 N = (rs + (rs * z) * splat(kN1)) | (rs & splatBits32(kSign32));
     const F32x4 D = (splat(kD2) * z + splat(kD1)) * z + splat(1.0f);
     const F32x4 even = trig::evenQuadrants(shifted);
     return select(even, N, D) / select(even, D, N);
@@ -120,12 +121,13 @@ inline F32x4 tan24(F32x4 x) {
 
 constexpr uint32_t kFails = kLimit + 1;
 
+// Screened before the arithmetic: a huge argument would make z overflow
+// and D/N raise a spurious invalid flag.
 template <F32x4 (*Kernel)(F32x4)>
 inline bool block4(const float* src, float* dst) {
     const F32x4 x = load(src);
-    const F32x4 y = Kernel(x);
     if (magnitudeScreen(x, kFails) != 0) return false;
-    store(dst, y);
+    store(dst, Kernel(x));
     return true;
 }
 

@@ -156,10 +156,11 @@ inline void loop2(const double* src, double* dst, int32_t len, StatusVar& status
     blockRounds<2>(
         len,
         [&](int32_t i) {
+            // Screened before the arithmetic, which on an infinity would
+            // raise flags of its own.
             const F64x2 x = load(src + i);
-            const F64x2 y = Kernel(x);
             if (magnitudeScreen(x, kFails) != 0) return false;
-            store(dst + i, y);
+            store(dst + i, Kernel(x));
             return true;
         },
         [&](int32_t i) {
