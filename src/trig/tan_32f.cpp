@@ -187,21 +187,29 @@ constexpr const char* kRejectedBlock =
 constexpr double kOrdinary = double(floatFromBits(kLimit));
 }  // namespace
 
+// Measured against MPFR on the harness's samples and on 10^5 more floats
+// of each member, uniform and log-uniform over the block's range (sampled,
+// not exhaustive); the floats nearest each pole are checked by the family
+// test.  Position: the largest difference measured between an element in a
+// passing block and in a rejected one, over 4*10^5 floats.
 ORV_RECORDS(
     {.member = "orvsTan_32f_A11",
-     .maxUlp = 0,
+     .maxUlp = 32.53,
+     .worst = {-8091.17188f},
      .ranges = {symmetric(kOrdinary), Interval{1e6, 1e20}, kFinite32},
-     .position = {kRejectedBlock, 0},
+     .position = {kRejectedBlock, 76},
      .peerVectors = "tan"},
     {.member = "orvsTan_32f_A21",
-     .maxUlp = 0,
+     .maxUlp = 2.704,
+     .worst = {2599.41528f},
      .ranges = {symmetric(kOrdinary), Interval{1e6, 1e20}, kFinite32},
-     .position = {kRejectedBlock, 0},
+     .position = {kRejectedBlock, 4},
      .peerVectors = "tan"},
     {.member = "orvsTan_32f_A24",
-     .maxUlp = 0,
+     .maxUlp = 0.9352,
+     .worst = {662.14209f},
      .ranges = {symmetric(kOrdinary), Interval{1e6, 1e20}, kFinite32},
-     .position = {kRejectedBlock, 0},
+     .position = {kRejectedBlock, 1},
      .peerVectors = "tan"})
 }  // namespace orv
 #endif

@@ -293,19 +293,28 @@ constexpr const char* kRejectedBlock =
 constexpr double kOrdinary = doubleFromBits(uint64_t(kLimit) << 32);  // 128000
 }  // namespace
 
+// Measured against MPFR on the harness's samples and on 3*10^6 more
+// arguments (A50, A53; 10^5 for A26), uniform and log-uniform over the
+// block's range (sampled); the doubles nearest each pole are checked by the
+// family test.  A26's largest error is at tiny arguments, where N(0)/D(0)
+// is 1 + 2.3e-11.  Position (A26, A50): the largest difference measured
+// between an element in a passing block and in a rejected one.
 ORV_RECORDS(
     {.member = "orvsTan_64f_A26",
-     .maxUlp = 0,
+     .maxUlp = 1.9894e5,
+     .worst = {-1.2576574228757603e-234},
      .ranges = {symmetric(kOrdinary), Interval{1e6, 1e20}, kFinite64},
-     .position = {kRejectedBlock, 0},
+     .position = {kRejectedBlock, 1.9894e5},
      .peerVectors = "tan"},
     {.member = "orvsTan_64f_A50",
-     .maxUlp = 0,
+     .maxUlp = 3.3395,
+     .worst = {73935.026104255361},
      .ranges = {symmetric(kOrdinary), Interval{1e6, 1e20}, kFinite64},
-     .position = {kRejectedBlock, 0},
+     .position = {kRejectedBlock, 3},
      .peerVectors = "tan"},
     {.member = "orvsTan_64f_A53",
-     .maxUlp = 0,
+     .maxUlp = 0.66945,
+     .worst = {1.1889544034295014e-07},
      .ranges = {symmetric(kOrdinary), Interval{1e6, 1e20}, kFinite64},
      .peerVectors = "tan"})
 }  // namespace orv
