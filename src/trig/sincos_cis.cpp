@@ -102,9 +102,8 @@ constexpr uint64_t kFineQuarterTurn = 32;
 constexpr uint64_t kShortRows = 63;
 constexpr uint64_t kShortQuarterTurn = 16;
 
-// CIS's parts for an infinity: the default NaN, stored as a constant so
-// that no flag is raised.
-constexpr uint32_t kDefaultNan32 = 0xFFC00000;
+// CIS's parts for an infinity: the default NaN (trig::kDefaultNan32 for
+// floats), stored as a constant so that no flag is raised.
 constexpr uint64_t kDefaultNan64 = 0xFFF8000000000000;
 
 }  // namespace
@@ -254,7 +253,7 @@ inline Pair<F64x2> sinCos53(F64x2 x) {
 // CIS: the kernel's values with no status and no flag for an infinity.
 inline void cisElement(float x, Orv32fc* out) {
     if ((bitsOf(x) & kAbs32) == kInfinity32) {
-        out->re = out->im = floatFromBits(kDefaultNan32);
+        out->re = out->im = floatFromBits(trig::kDefaultNan32);
         return;
     }
     double s, c;
