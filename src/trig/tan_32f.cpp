@@ -188,9 +188,10 @@ constexpr double kOrdinary = double(floatFromBits(kLimit));
 }  // namespace
 
 // Measured against MPFR on the harness's samples and on 10^5 more floats
-// of each member, uniform and log-uniform over the block's range (sampled,
-// not exhaustive); the floats nearest each pole are checked by the family
-// test.  Position: the largest difference measured between an element in a
+// of each member, uniform and log-uniform over the block's range; A24 also
+// over every float of the block's range (against tan in double, whose
+// error is far below a float ulp).  The floats nearest each pole are
+// checked by the family test.  Position: the largest difference measured between an element in a
 // passing block and in a rejected one, over 4*10^5 floats.
 ORV_RECORDS(
     {.member = "orvsTan_32f_A11",
@@ -206,8 +207,8 @@ ORV_RECORDS(
      .position = {kRejectedBlock, 4},
      .peerVectors = "tan"},
     {.member = "orvsTan_32f_A24",
-     .maxUlp = 0.9352,
-     .worst = {662.14209f},
+     .maxUlp = 0.93560,
+     .worst = {3.87709689f},
      .ranges = {symmetric(kOrdinary), Interval{1e6, 1e20}, kFinite32},
      .position = {kRejectedBlock, 1},
      .peerVectors = "tan"})
