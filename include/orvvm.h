@@ -554,6 +554,43 @@ ORVVM_API OrvStatus orvsCos_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len)
 ORVVM_API OrvStatus orvsCos_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsCos_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsCos_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+/* ---- Joint sine-cosine, unit phasor and tangent (real) ------------------
+ * SinCos: dstSin[i] = sin src[i], dstCos[i] = cos src[i].  Shape S.
+ * Arguments checked dstCos, dstSin, src, then len; orvsSinCos_64f_A26
+ * checks len first, then src, dstSin, dstCos.  Either destination may be
+ * src itself.  Warning: orvStatusDomain for +-inf, whose results are the
+ * default NaN in both arrays, with the invalid flag.
+ * sin(-0) is +0 but in orvsSinCos_64f_A50; cos(+-0) is 1.
+ * CIS: dst[i].re = cos src[i], dst[i].im = sin src[i], from a real array.
+ * Shape P.  Never warns: +-inf gives the default NaN in both parts, with no
+ * flag.  The three tiers of each type are one routine.
+ * Tan: dst[i] = tan src[i].  Shape U.  Arguments checked dst, src, then
+ * len; orvsTan_64f_A53 checks len first.  Values near the poles come out
+ * large and finite, with no warning; orvStatusDomain for +-inf, as Sin.
+ * All: every finite argument has a result, however large; a NaN comes back
+ * quiet, with no warning.  The block paths hold |x| up to 10000 (32f),
+ * 90112 (SinCos 64f A26, A53, CIS 64fc) or 128000 (SinCos 64f A50, Tan
+ * 64f); a block with an element beyond that, an infinity or a NaN is
+ * computed element by element in double precision, so the last bits of an
+ * element's result may depend on its neighbours (not in orvsTan_64f_A53). */
+ORVVM_API OrvStatus orvsSinCos_32f_A11(const Orv32f* src, Orv32f* dstSin, Orv32f* dstCos, int32_t len);
+ORVVM_API OrvStatus orvsSinCos_32f_A21(const Orv32f* src, Orv32f* dstSin, Orv32f* dstCos, int32_t len);
+ORVVM_API OrvStatus orvsSinCos_32f_A24(const Orv32f* src, Orv32f* dstSin, Orv32f* dstCos, int32_t len);
+ORVVM_API OrvStatus orvsSinCos_64f_A26(const Orv64f* src, Orv64f* dstSin, Orv64f* dstCos, int32_t len);
+ORVVM_API OrvStatus orvsSinCos_64f_A50(const Orv64f* src, Orv64f* dstSin, Orv64f* dstCos, int32_t len);
+ORVVM_API OrvStatus orvsSinCos_64f_A53(const Orv64f* src, Orv64f* dstSin, Orv64f* dstCos, int32_t len);
+ORVVM_API OrvStatus orvsCIS_32fc_A11(const Orv32f* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsCIS_32fc_A21(const Orv32f* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsCIS_32fc_A24(const Orv32f* src, Orv32fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsCIS_64fc_A26(const Orv64f* src, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsCIS_64fc_A50(const Orv64f* src, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsCIS_64fc_A53(const Orv64f* src, Orv64fc* dst, int32_t len);
+ORVVM_API OrvStatus orvsTan_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTan_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTan_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTan_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTan_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsTan_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
 /* ---- Error functions -----------------------------------------------------
  * Erf: dst[i] = erf(src[i]).  Shape U.  Never warns.  +-inf gives +-1,
  * +-0 gives +-0, a NaN comes back quiet (A11 gives the NaN of its

@@ -49,16 +49,15 @@ constexpr uint32_t kLimit53 = 0x40F60000;  // passes below: |x| < 90112
 constexpr uint64_t kRowMask = 63;
 constexpr uint64_t kQuarterTurn = 16;
 
-// A26: pi/32 in three parts, the first one pi/32 rounded for the sine; the
-// cosine takes the kernel's parts.
-constexpr double kSinC1 = doubleFromBits(0x3FB921FB54442D18);
-constexpr double kSinC2 = doubleFromBits(0x3C51A62633145C06);
-constexpr double kSinC3 = doubleFromBits(0x390C1CD129024E09);
-// sin r = r (1 + z (-1/6 + z/120)), cos r = 1 + z (-1/2 + z/24).
-constexpr double kS5 = doubleFromBits(0x3F81111111111111);  // 1/120
-constexpr double kS3 = doubleFromBits(0xBFC5555555555555);  // -1/6
-constexpr double kC4 = doubleFromBits(0x3FA5555555555555);  // 1/24
-constexpr double kC2 = -0.5;
+// A26: pi/32 in three parts, the first one pi/32 rounded for the sine (the
+// short kernel's, trig_kernels.h); the cosine takes the kernel's parts.
+using trig::kShortC1;
+using trig::kShortC2;
+using trig::kShortC3;
+using trig::kShortS5;
+using trig::kShortS3;
+using trig::kShortC4;
+using trig::kShortCos2;
 
 using trig::kShifter52;
 using trig::kThirtyTwoOverPi;
@@ -79,15 +78,15 @@ inline uint64_t row1(F64x2 T) { return lane1of64(bitsOf(T)); }
 // A26 on two lanes.
 template <bool Cosine>
 inline F64x2 kernel26(F64x2 x) {
-    constexpr double c1 = Cosine ? trig::kPiBy32C1 : kSinC1;
-    constexpr double c2 = Cosine ? trig::kPiBy32C2 : kSinC2;
-    constexpr double c3 = Cosine ? trig::kPiBy32C3 : kSinC3;
+    constexpr double c1 = Cosine ? trig::kPiBy32C1 : kShortC1;
+    constexpr double c2 = Cosine ? trig::kPiBy32C2 : kShortC2;
+    constexpr double c3 = Cosine ? trig::kPiBy32C3 : kShortC3;
     F64x2 T = x * splat(kThirtyTwoOverPi) + splat(kShifter52);
     F64x2 k = T - splat(kShifter52);
     F64x2 r = ((x - k * splat(c1)) - k * splat(c2)) - k * splat(c3);
     F64x2 z = r * r;
-    F64x2 S = ((z * splat(kS5) + splat(kS3)) * z + splat(1.0)) * r;
-    F64x2 C = (z * splat(kC4) + splat(kC2)) * z + splat(1.0);
+    F64x2 S = ((z * splat(kShortS5) + splat(kShortS3)) * z + splat(1.0)) * r;
+    F64x2 C = (z * splat(kShortC4) + splat(kShortCos2)) * z + splat(1.0);
     const uint64_t turn = Cosine ? kQuarterTurn : 0;
     const auto& a = tables::kShortPhaseTable[(row0(T) + turn) & kRowMask];
     const auto& b = tables::kShortPhaseTable[(row1(T) + turn) & kRowMask];

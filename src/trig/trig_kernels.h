@@ -49,6 +49,18 @@ constexpr double kCosB4 = doubleFromBits(0x3FA5555555555555);  // 1/4!
 constexpr double kCosB6 = doubleFromBits(0xBF56C16C16C16C17);  // -1/6!
 constexpr double kCosB8 = doubleFromBits(0x3EFA01A01A01A01A);  // 1/8!
 
+// The short kernel of the 64-bit A26 sine and joint sine-cosine blocks:
+// pi/32 in three parts, the first pi/32 rounded to a double (so k C1 is
+// not exact: the A26 error grows with |x|), no low word, and
+// sin r = r (1 + z (-1/6 + z/120)), cos r = 1 + z (-1/2 + z/24).
+constexpr double kShortC1 = doubleFromBits(0x3FB921FB54442D18);
+constexpr double kShortC2 = doubleFromBits(0x3C51A62633145C06);
+constexpr double kShortC3 = doubleFromBits(0x390C1CD129024E09);
+constexpr double kShortS5 = doubleFromBits(0x3F81111111111111);  // 1/120
+constexpr double kShortS3 = doubleFromBits(0xBFC5555555555555);  // -1/6
+constexpr double kShortC4 = doubleFromBits(0x3FA5555555555555);  // 1/24
+constexpr double kShortCos2 = -0.5;
+
 // Exponent fields at which the kernels change course.
 constexpr uint32_t kTinyField = 0x303;    // |x| < 2^-252: sin x = x, cos x = 1
 constexpr uint32_t kReduceField = 0x410;  // |x| >= 2^17: trigReduce first
