@@ -141,6 +141,7 @@ ORV_EXPORT OrvStatus orvsCdfNormInv_64f_A53(const Orv64f* src, Orv64f* dst, int3
 
 namespace orv {
 namespace {
+using namespace records;
 // The ordinary range (0, 1); the far tail below the tables; the
 // neighbourhood of 1, where w = 2 - 2p has few bits.
 constexpr Interval kOpen = {0.0, 1.0};

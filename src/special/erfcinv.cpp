@@ -140,6 +140,7 @@ ORV_EXPORT OrvStatus orvsErfcInv_64f_A53(const Orv64f* src, Orv64f* dst, int32_t
 
 namespace orv {
 namespace {
+using namespace records;
 // The ordinary range (0, 2); the far tail below the tables; the
 // neighbourhood of 2, where w = 2 - x has few bits.
 constexpr Interval kOpen = {0.0, 2.0};

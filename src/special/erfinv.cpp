@@ -186,6 +186,7 @@ ORV_EXPORT OrvStatus orvsErfInv_64f_A53(const Orv64f* src, Orv64f* dst, int32_t 
 
 namespace orv {
 namespace {
+using namespace records;
 // The ordinary range: the open interval (-1, 1); the poles and the
 // outside are the special values' business.
 constexpr Interval kOpen = {-1.0, 1.0};

@@ -23,7 +23,10 @@
 //     join the Horner sum A of the other coefficients.  ErfInv's w = 1 - |x|
 //     is rounded: its exact tail t = (1 - w) - |x| enters m as t 2^-e.
 //     The last product is h sh + (h sl + u s) with sh = s masked, exact in
-//     its first term.
+//     its first term.  In ErfcInv and CdfNormInv, s = x - 1 (or 2p - 1) is
+//     rounded below x = 1/2 (p = 1/4), by up to half an ulp of s, which
+//     would cost up to one ulp of the result: its exact error
+//     x - (s + 1) (Fast2Sum, |x| < 1) joins the small term as h times it.
 //
 // Lanes outside the screened range (below the table, poles, the domain's
 // outside, NaN) are computed with their input masked to +0 and recomputed
@@ -126,7 +129,7 @@ inline F32x4 kernel32(F32x4 x, const float* table, int& fail) {
     fail = signMask32(in) ^ 0xF;
     F32x4 xs = x & asF32x4(in);
     F32x4 one = splat(1.0f), two = splat(2.0f);
-    F32x4 a, w, s;
+    F32x4 a, w, s, sTail = zeroF32x4();
     if constexpr (F == Fn::ErfInv) {
         a = andNot(xs, splatBits32(kSign32));
         w = one - a;
@@ -134,10 +137,12 @@ inline F32x4 kernel32(F32x4 x, const float* table, int& fail) {
     } else if constexpr (F == Fn::ErfcInv) {
         w = select(cmpLt(xs, one), xs, two - xs);
         s = xs - one;
+        if constexpr (L::kSplit) sTail = xs - (s + one);
     } else {
         F32x4 p2 = xs + xs;
         w = select(cmpLt(xs, splat(0.5f)), p2, two - p2);
         s = p2 - one;
+        if constexpr (L::kSplit) sTail = p2 - (s + one);
     }
     // The row, 0 for lanes out of range and for w = 1 (x = 1 in ErfcInv, p = 1/2
     // in CdfNormInv), whose reduced argument is 0 too.
@@ -174,7 +179,10 @@ inline F32x4 kernel32(F32x4 x, const float* table, int& fail) {
         F32x4 h = (((A + pl) + ph) + C0) & mask;
         F32x4 u = ((C0 - h) + ph) + (A + pl);
         F32x4 sh = s & mask, sl = s - sh;
-        result = h * sh + (h * sl + u * s);
+        if constexpr (F == Fn::ErfInv)
+            result = h * sh + (h * sl + u * s);
+        else
+            result = h * sh + (h * sl + (u * s + h * sTail));
     }
     // +0 at w = 1 whatever the sign of the table there.
     if constexpr (F != Fn::ErfInv) result = result & asF32x4(valid | andNot(splat32(~0u), in));
@@ -203,7 +211,7 @@ inline F64x2 kernel64(F64x2 x, const double* table, int& fail) {
     fail = signMask64(in) ^ 0x3;
     F64x2 xs = x & asF64x2(in);
     F64x2 one = splat(1.0), two = splat(2.0);
-    F64x2 a, w, s;
+    F64x2 a, w, s, sTail = zeroF64x2();
     if constexpr (F == Fn::ErfInv) {
         a = andNot(xs, splatBits64(kSign64));
         w = one - a;
@@ -211,10 +219,12 @@ inline F64x2 kernel64(F64x2 x, const double* table, int& fail) {
     } else if constexpr (F == Fn::ErfcInv) {
         w = select(cmpLt(xs, one), xs, two - xs);
         s = xs - one;
+        if constexpr (L::kSplit) sTail = xs - (s + one);
     } else {
         F64x2 p2 = xs + xs;
         w = select(cmpLt(xs, splat(0.5)), p2, two - p2);
         s = p2 - one;
+        if constexpr (L::kSplit) sTail = p2 - (s + one);
     }
     I32x4 v = bitsOf(w);
     I32x4 index = sub64(splat64(Bands.K), shr64<32 + Bands.shift>(v));
@@ -247,7 +257,10 @@ inline F64x2 kernel64(F64x2 x, const double* table, int& fail) {
         F64x2 h = (C0 + ph) & mask;
         F64x2 u = (((C0 - h) + ph) + pl) + A;
         F64x2 sh = s & mask, sl = s - sh;
-        result = h * sh + (h * sl + u * s);
+        if constexpr (F == Fn::ErfInv)
+            result = h * sh + (h * sl + u * s);
+        else
+            result = h * sh + (h * sl + (u * s + h * sTail));
     }
     if constexpr (F != Fn::ErfInv) result = result & asF64x2(valid | andNot(splat32(~0u), in));
     return result;

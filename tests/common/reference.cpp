@@ -2,6 +2,7 @@
 
 #include <mpc.h>
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -56,11 +57,13 @@ void cdfNorm(mpfr_ptr* o, mpfr_srcptr* i) {
 
 // ---- Inverse error functions and the normal quantile ----------------------
 // MPFR has no inverse of erf, so the references solve erf(y) = x or
-// erfc(y) = w by Newton's iteration at kInversePrecision bits, far above
-// the output's, until a step falls below 2^-(kInversePrecision - 16) of the
-// root.  An iteration that does not get there aborts the test run: a
-// reference that has not converged must never pass for a correct one.
-constexpr mpfr_prec_t kInversePrecision = 320;
+// erfc(y) = w by Newton's iteration at kInversePrecision bits, above the
+// references' 192, from a start good to about 60 bits.  The iteration
+// converges quadratically: once a step is below 2^-(P/2 - 8) of the root,
+// the error after it is below 2^-(P - 16) or so, and the iteration stops.
+// An iteration that does not get there aborts the test run: a reference
+// that has not converged must never pass for a correct one.
+constexpr mpfr_prec_t kInversePrecision = 224;
 
 struct Wide {
     mpfr_t v;
@@ -74,17 +77,35 @@ struct Wide {
     std::abort();
 }
 bool stepSmall(mpfr_srcptr step, mpfr_srcptr y) {
-    return mpfr_zero_p(step) || mpfr_get_exp(step) < mpfr_get_exp(y) - (kInversePrecision - 16);
+    return mpfr_zero_p(step) || mpfr_get_exp(step) < mpfr_get_exp(y) - (kInversePrecision / 2 - 8);
 }
 
-// y > 0 with erf(y) = x, for 0 < x <= 1/2 (exact in x).  erf is concave for
-// y > 0 and x sqrt(pi)/2 lies below the root, so the steps rise to it.
+// Starts near the roots, by the same iterations in x87 extended precision,
+// which save most of the steps at the working precision.  Any start
+// converges: the functions below are concave, so after one step Newton's
+// iterates approach the root from one side.
+long double startByErf(long double x) {
+    long double y = x * 0.886226925452758013649L;
+    for (int i = 0; i < 6; ++i) y -= (erfl(y) - x) * 0.886226925452758013649L * expl(y * y);
+    return y;
+}
+long double startByErfc(long double lw) {
+    long double y = sqrtl(lw);
+    for (int i = 0; i < 8; ++i) {
+        long double e = erfcl(y);
+        y += (logl(e) + lw) * e * 0.886226925452758013649L * expl(y * y);
+    }
+    return y;
+}
+
+// y > 0 with erf(y) = x, for 0 < x <= 1/2 (exact in x); erf is concave for
+// y > 0.
 void erfinvByErf(mpfr_ptr y, mpfr_srcptr x) {
     Wide k, f, d, step;
     mpfr_const_pi(k.v, R);
     mpfr_sqrt(k.v, k.v, R);
     mpfr_div_2ui(k.v, k.v, 1, R);  // sqrt(pi)/2 = 1 / erf'(0)
-    mpfr_mul(y, x, k.v, R);
+    mpfr_set_ld(y, startByErf(mpfr_get_ld(x, R)), R);
     for (int it = 0; it < 200; ++it) {
         mpfr_erf(f.v, y, R);
         mpfr_sub(f.v, f.v, x, R);
@@ -99,15 +120,13 @@ void erfinvByErf(mpfr_ptr y, mpfr_srcptr x) {
 }
 
 // y > 0 with erfc(y) = w, for 0 < w <= 1/2, by the iteration on
-// ln erfc(y) = ln w: ln erfc is concave, and sqrt(-ln w) lies above the
-// root (erfc(y) < exp(-y^2) for y > 0), so the steps fall to it.  Working
+// ln erfc(y) = ln w (ln erfc is concave).  Working
 // on the logarithm keeps every quantity in range down to the smallest
 // subnormal w, where y is about 27.2.
 void erfcinvByErfc(mpfr_ptr y, mpfr_srcptr w) {
     Wide lw, k, e, le, d, step;
     mpfr_log(lw.v, w, R);
-    mpfr_neg(y, lw.v, R);
-    mpfr_sqrt(y, y, R);
+    mpfr_set_ld(y, startByErfc(-mpfr_get_ld(lw.v, R)), R);
     mpfr_const_pi(k.v, R);
     mpfr_sqrt(k.v, k.v, R);
     mpfr_div_2ui(k.v, k.v, 1, R);
