@@ -366,7 +366,8 @@ Call boundCall(const ExportInfo& e) {
 }  // namespace
 
 const std::vector<std::string>& alternativeKinds() {
-    static const std::vector<std::string> kinds = {"scalar", "libmvec", "sleef-sse2", "sleef-sse4", "copy"};
+    static const std::vector<std::string> kinds = {"scalar", "scalar-O3", "libmvec", "sleef-sse2", "sleef-sse4",
+                                                   "copy"};
     return kinds;
 }
 
@@ -376,6 +377,11 @@ std::vector<Alternative> alternativesFor(const ExportInfo& e) {
         const OrvScalarLoop& s = orvScalarFamilies[i].types[typeIndex(e.type)];
         if (e.family == orvScalarFamilies[i].family && s.loop)
             out.push_back({"scalar", s.label, [loop = s.loop](const OrvBenchArrays& a) { loop(&a); }});
+    }
+    for (int i = 0; i < orvScalarFamilyCountFast; ++i) {
+        const OrvScalarLoop& s = orvScalarFamiliesFast[i].types[typeIndex(e.type)];
+        if (e.family == orvScalarFamiliesFast[i].family && s.loop)
+            out.push_back({"scalar-O3", s.label, [loop = s.loop](const OrvBenchArrays& a) { loop(&a); }});
     }
     for (const VectorFamily& vf : kVectorFamilies) {
         if (e.family != vf.family) continue;

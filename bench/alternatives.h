@@ -1,7 +1,9 @@
 // What a user could call instead of an orvvm member, on the same arrays:
 //
 //   scalar      a C loop over glibc's scalar function or the C operator
-//               (scalar_loops.c)
+//               (scalar_loops.c), as plain C is built: -O2, errno kept
+//   scalar-O3   the same loop as a user building for speed builds it:
+//               -O3 -fno-math-errno, so sqrt and / vectorise
 //   libmvec     glibc's vector functions for SSE (_ZGVbN4v_expf, ...)
 //   sleef-sse2  SLEEF's SSE2 functions at the member's accuracy
 //   sleef-sse4  SLEEF's SSE4.1 functions at the member's accuracy
@@ -28,7 +30,7 @@ namespace orvbench {
 using Call = std::function<void(const OrvBenchArrays&)>;
 
 struct Alternative {
-    std::string kind;   // scalar, libmvec, sleef-sse2, sleef-sse4, copy
+    std::string kind;   // scalar, scalar-O3, libmvec, sleef-sse2, sleef-sse4, copy
     std::string label;  // the function called: expf, _ZGVbN4v_expf, Sleef_expf4_u10sse4, memcpy
     Call run;
 };

@@ -13,11 +13,19 @@
 //   what   the member (orvsExp_32f_A24) or <kind>:<function>
 //          (scalar:expf, libmvec:_ZGVbN4v_expf, sleef-sse4:Sleef_expf4_u10sse4)
 //
-// After the run the median rate of each member (elements per nanosecond,
-// from items per second over CPU time) and its ratio to each alternative
-// measured in the same run are printed, and written as TSV with
-// --orvvm_ratios_out.  Options of its own (Google Benchmark's flags work as
-// usual and override the defaults below):
+// Timing is interleaved: the benchmarks of one group, size and input (the
+// members and their alternatives) race on the same arrays in rounds, A B C
+// A B C ..., each round starting one runner later, so that a spell of
+// contention on a shared machine slows all of them alike instead of
+// whichever happened to run then.  Each runner's share of a round is a
+// number of calls fixed once to last about --orvvm_round_ms, timed by the
+// thread's CPU clock; a short array slides over a pool of distinct values
+// (see workload.h).  The ratio of two runners is taken round by round; the
+// median over the rounds is reported with its quartiles, and each member's
+// rate (elements per nanosecond) is its median over the rounds.  The table
+// is printed, and written as TSV with --orvvm_ratios_out.  Google
+// Benchmark's console output shows one line per race (its time is the
+// whole race, not a figure to compare).  Options of its own:
 //   --orvvm_members=REGEX   only members whose name matches
 //   --orvvm_sizes=N,N       array lengths (default 1000,1000000)
 //   --orvvm_special=F       fraction of special elements of the "special"
@@ -31,6 +39,8 @@
 //                           fewer ranges are left out), say the large
 //                           arguments of the trigonometric members
 //   --orvvm_ratios_out=FILE the ratio table as TSV
+//   --orvvm_rounds=N        rounds per race (default 15)
+//   --orvvm_round_ms=T      each runner's share of a round (default 1)
 //   --orvvm_progress        one line per benchmark done on stderr
 //   --orvvm_list            list the benchmarks as TSV and exit
 //   --orvvm_repeat=NAME --orvvm_calls=N
@@ -38,7 +48,14 @@
 //                           orvvm_bench_measured() and exit, for counting
 //                           instructions: valgrind --tool=callgrind
 //                           --toggle-collect=orvvm_bench_measured ...
+//                           NAME "all": every listed benchmark in turn, one
+//                           orvvm_bench_measured() each, with the list on
+//                           stdout in that order (callgrind's
+//                           --dump-after=orvvm_bench_measured then writes one
+//                           count per benchmark)
 #include <benchmark/benchmark.h>
+
+#include <time.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -81,6 +98,8 @@ struct Options {
     bool list = false;
     std::string repeat;
     int calls = 10;
+    int rounds = 15;
+    double roundMs = 1.0;
 };
 
 // Members of one family and type with one ordinary range: one set of data.
@@ -222,91 +241,138 @@ const Workload& workloadFor(const Entry& entry) {
     return *current;
 }
 
-void runEntry(benchmark::State& state, const Entry* entry) {
-    const OrvBenchArrays arrays = workloadFor(*entry).arrays();
-    for (auto _ : state) {
-        entry->run(arrays);
-        benchmark::ClobberMemory();
+// ---- Races ------------------------------------------------------------------
+
+// The runners of one group, size and input, and what each measured: its
+// time per element in every round, in nanoseconds.
+struct Race {
+    std::string name;  // <group>/<size>/<input>
+    std::vector<const Entry*> runners;
+    std::vector<std::vector<double>> nsPerElement;
+};
+std::vector<Race> races;
+
+void buildRaces() {
+    std::map<std::string, size_t> index;
+    for (const Entry& e : entries) {
+        const std::string name = e.name.substr(0, e.name.rfind('/'));
+        auto [it, fresh] = index.emplace(name, races.size());
+        if (fresh) races.push_back({name, {}, {}});
+        races[it->second].runners.push_back(&e);
     }
-    state.SetItemsProcessed(int64_t(state.iterations()) * arrays.len);
 }
 
-// ---- Collecting the medians ------------------------------------------------
+// The thread's own CPU time: time the scheduler gives to other processes
+// does not count.
+double threadSeconds() {
+    timespec t;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    return double(t.tv_sec) + 1e-9 * double(t.tv_nsec);
+}
 
-struct Median {
-    double elemPerNs = 0;
-};
-
-class MedianReporter : public benchmark::ConsoleReporter {
-public:
-    explicit MedianReporter(size_t total) : total_(total) {}
-
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.error_occurred) continue;
-            const std::string& name = run.run_name.function_name;
-            const bool median = run.run_type == Run::RT_Aggregate ? run.aggregate_name == "median"
-                                                                  : run.repetitions <= 1;
-            auto rate = run.counters.find("items_per_second");
-            if (median && rate != run.counters.end()) medians_[name].elemPerNs = rate->second.value * 1e-9;
-            if (options.progress && done_.insert(name).second)
-                std::fprintf(stderr, "progress %zu/%zu %s\n", done_.size(), total_, name.c_str());
+void runRace(benchmark::State& state, Race* race) {
+    const Workload& w = workloadFor(*race->runners.front());
+    std::vector<OrvBenchArrays> windows;
+    for (int32_t k = 0; k < w.windows(); ++k) windows.push_back(w.arrays(k));
+    size_t next = 0;
+    auto call = [&](const Call& run) {
+        run(windows[next]);
+        next = next + 1 == windows.size() ? 0 : next + 1;
+        benchmark::ClobberMemory();
+    };
+    // Each runner once (lazy binding, first touch), then its calls per
+    // round from the time of a burst of at least 0.1 ms.
+    const size_t n = race->runners.size();
+    std::vector<int> calls(n);
+    for (size_t r = 0; r < n; ++r) {
+        const Call& run = race->runners[r]->run;
+        call(run);
+        double seconds = 0;
+        int burst = 1;
+        for (;; burst *= 4) {
+            const double t0 = threadSeconds();
+            for (int c = 0; c < burst; ++c) call(run);
+            seconds = threadSeconds() - t0;
+            if (seconds >= 1e-4 || burst >= (1 << 20)) break;
         }
-        ConsoleReporter::ReportRuns(runs);
+        calls[r] = std::clamp(int(options.roundMs * 1e-3 * burst / std::max(seconds, 1e-9)), 1, 1 << 22);
     }
-
-    const Median* find(const std::string& name) const {
-        auto it = medians_.find(name);
-        return it == medians_.end() ? nullptr : &it->second;
+    race->nsPerElement.assign(n, {});
+    size_t round = 0;
+    for (auto _ : state) {
+        for (size_t j = 0; j < n; ++j) {
+            const size_t r = (j + round) % n;
+            const Call& run = race->runners[r]->run;
+            const double t0 = threadSeconds();
+            for (int c = 0; c < calls[r]; ++c) call(run);
+            const double seconds = threadSeconds() - t0;
+            race->nsPerElement[r].push_back(seconds * 1e9 / (double(calls[r]) * w.len()));
+        }
+        ++round;
     }
-
-private:
-    size_t total_;
-    std::map<std::string, Median> medians_;
-    std::set<std::string> done_;
-};
+    if (options.progress)
+        std::fprintf(stderr, "progress %zu/%zu %s\n", size_t(race - races.data()) + 1, races.size(),
+                     race->name.c_str());
+}
 
 // ---- Ratios ---------------------------------------------------------------
 
-const Entry* findEntry(int group, int32_t size, Input in, const std::string& kind, const std::string& label) {
-    for (const Entry& e : entries)
-        if (e.group == group && e.size == size && e.input == in && e.kind == kind && e.label == label) return &e;
-    return nullptr;
+// The q-quantile of v (0.5: the median), by linear interpolation.
+double quantile(std::vector<double> v, double q) {
+    if (v.empty()) return 0;
+    std::sort(v.begin(), v.end());
+    const double at = q * double(v.size() - 1);
+    const size_t lo = size_t(at);
+    const size_t hi = std::min(lo + 1, v.size() - 1);
+    return v[lo] + (at - double(lo)) * (v[hi] - v[lo]);
 }
 
-// ratio = orvvm's rate / the alternative's rate: above 1 orvvm is faster.
-void writeRatios(const MedianReporter& medians) {
+// ratio = orvvm's rate / the alternative's rate, round by round: above 1
+// orvvm is faster.
+void writeRatios() {
     std::ostringstream tsv, table;
-    tsv << "member\tfamily\ttype\ttier\tsize\tinput\tkind\tfunction\torvvm_elem_per_ns\telem_per_ns\tratio\n";
+    tsv << "member\tfamily\ttype\ttier\tsize\tinput\tkind\tfunction\torvvm_elem_per_ns\telem_per_ns\tratio"
+           "\tratio_q1\tratio_q3\trounds\tsame_as\n";
     char line[512];
     std::snprintf(line, sizeof line, "\n%-26s %8s %-8s %9s  %s\n", "member", "size", "input", "elem/ns",
-                  "orvvm speed / alternative speed (median of the repetitions)");
+                  "orvvm speed / alternative speed: median over the rounds [quartiles]");
     table << line;
-    for (const Entry& e : entries) {
-        if (e.kind != "orvvm") continue;
-        const Median* own = medians.find(e.name);
-        if (!own) continue;
-        const ExportInfo& m = *e.member;
-        auto row = [&](const std::string& kind, const std::string& label, const std::string& rate,
-                       const std::string& ratio) {
-            tsv << m.name << '\t' << m.family << '\t' << m.typeTag << '\t' << m.tier << '\t' << e.size << '\t'
-                << inputName(e.input) << '\t' << kind << '\t' << label << '\t' << own->elemPerNs << '\t' << rate
-                << '\t' << ratio << '\n';
-        };
-        row("orvvm", m.name, std::to_string(own->elemPerNs), "");
-        std::snprintf(line, sizeof line, "%-26s %8d %-8s %9.3f ", m.name.c_str(), e.size, inputName(e.input).c_str(),
-                      own->elemPerNs);
-        table << line;
-        for (const Alternative& a : alternativesFor(m)) {
-            const Entry* alt = findEntry(e.group, e.size, e.input, a.kind, a.label);
-            const Median* other = alt ? medians.find(alt->name) : nullptr;
-            if (!other || other->elemPerNs <= 0) continue;
-            const double ratio = own->elemPerNs / other->elemPerNs;
-            row(a.kind, a.label, std::to_string(other->elemPerNs), std::to_string(ratio));
-            std::snprintf(line, sizeof line, " %s %.2fx", a.kind.c_str(), ratio);
+    for (const Race& race : races) {
+        auto rateOf = [&](size_t r) { return 1.0 / quantile(race.nsPerElement[r], 0.5); };
+        for (size_t m = 0; m < race.runners.size(); ++m) {
+            const Entry& e = *race.runners[m];
+            if (e.kind != "orvvm" || race.nsPerElement[m].empty()) continue;
+            const ExportInfo& info = *e.member;
+            const double own = rateOf(m);
+            const size_t rounds = race.nsPerElement[m].size();
+            const orvtest::AccuracyRecord* record = orvtest::findRecord(info.name);
+            const std::string sameAs = record ? record->sameAs : "";
+            auto row = [&](const std::string& kind, const std::string& label, double rate, const std::string& rest) {
+                tsv << info.name << '\t' << info.family << '\t' << info.typeTag << '\t' << info.tier << '\t'
+                    << e.size << '\t' << inputName(e.input) << '\t' << kind << '\t' << label << '\t' << own << '\t'
+                    << rate << '\t' << rest << '\t' << rounds << '\t' << sameAs << '\n';
+            };
+            row("orvvm", info.name, own, "\t\t");
+            std::snprintf(line, sizeof line, "%-26s %8d %-8s %9.3f ", info.name.c_str(), e.size,
+                          inputName(e.input).c_str(), own);
             table << line;
+            for (const Alternative& a : alternativesFor(info)) {
+                for (size_t r = 0; r < race.runners.size(); ++r) {
+                    const Entry& alt = *race.runners[r];
+                    if (alt.kind != a.kind || alt.label != a.label || race.nsPerElement[r].empty()) continue;
+                    std::vector<double> ratios;
+                    for (size_t k = 0; k < rounds; ++k)
+                        ratios.push_back(race.nsPerElement[r][k] / race.nsPerElement[m][k]);
+                    const double q1 = quantile(ratios, 0.25), med = quantile(ratios, 0.5),
+                                 q3 = quantile(ratios, 0.75);
+                    row(a.kind, a.label, rateOf(r),
+                        std::to_string(med) + '\t' + std::to_string(q1) + '\t' + std::to_string(q3));
+                    std::snprintf(line, sizeof line, " %s %.2fx [%.2f-%.2f]", a.kind.c_str(), med, q1, q3);
+                    table << line;
+                }
+            }
+            table << '\n';
         }
-        table << '\n';
     }
     std::fputs(table.str().c_str(), stdout);
     if (!options.ratiosOut.empty()) {
@@ -374,6 +440,10 @@ void parseOptions(int& argc, char** argv) {
             options.repeat = v;
         else if (takeOption(argv[i], "--orvvm_calls", v))
             options.calls = std::max(1, std::atoi(v.c_str()));
+        else if (takeOption(argv[i], "--orvvm_rounds", v))
+            options.rounds = std::max(1, std::atoi(v.c_str()));
+        else if (takeOption(argv[i], "--orvvm_round_ms", v))
+            options.roundMs = std::max(1e-3, std::strtod(v.c_str(), nullptr));
         else
             argv[kept++] = argv[i];
     }
@@ -384,13 +454,22 @@ void parseOptions(int& argc, char** argv) {
     }
 }
 
+void repeat(const Entry& e) {
+    const OrvBenchArrays arrays = workloadFor(e).arrays();
+    e.run(arrays);  // once outside the count: lazy binding, first touch
+    orvvm_bench_measured(&e.run, &arrays, options.calls);
+    std::printf("%s\tcalls %d\telements %d\n", e.name.c_str(), options.calls, arrays.len);
+    std::fflush(stdout);
+}
+
 int repeatOne() {
+    if (options.repeat == "all") {
+        for (const Entry& e : entries) repeat(e);
+        return 0;
+    }
     for (const Entry& e : entries) {
         if (e.name != options.repeat) continue;
-        const OrvBenchArrays arrays = workloadFor(e).arrays();
-        e.run(arrays);  // once outside the count: lazy binding, first touch
-        orvvm_bench_measured(&e.run, &arrays, options.calls);
-        std::printf("%s\tcalls %d\telements %d\n", e.name.c_str(), options.calls, arrays.len);
+        repeat(e);
         return 0;
     }
     std::fprintf(stderr, "no benchmark named %s (see --orvvm_list)\n", options.repeat.c_str());
@@ -411,27 +490,20 @@ int main(int argc, char** argv) {
     }
     if (!options.repeat.empty()) return repeatOne();
 
-    // Defaults for a run over everything: medians of 5 short repetitions.
-    // Flags given on the command line come later and win.
-    std::vector<char*> args = {argv[0]};
-    std::string defaults[] = {"--benchmark_repetitions=5", "--benchmark_min_time=0.05",
-                              "--benchmark_report_aggregates_only=true"};
-    for (std::string& d : defaults) args.push_back(d.data());
-    for (int i = 1; i < argc; ++i) args.push_back(argv[i]);
-    int n = int(args.size());
-    args.push_back(nullptr);
-    benchmark::Initialize(&n, args.data());
-    if (benchmark::ReportUnrecognizedArguments(n, args.data())) return 2;
-
-    for (const Entry& e : entries)
-        benchmark::RegisterBenchmark(e.name.c_str(), runEntry, &e)->Unit(benchmark::kMicrosecond);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
     if (entries.empty()) {
         std::fprintf(stderr, "nothing to time: no implemented member matches\n");
         return 1;
     }
-    MedianReporter reporter(entries.size());
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    writeRatios(reporter);
+    buildRaces();
+    for (Race& race : races)
+        benchmark::RegisterBenchmark(race.name.c_str(), runRace, &race)
+            ->Iterations(options.rounds)
+            ->Repetitions(1)
+            ->Unit(benchmark::kMillisecond);
+    benchmark::RunSpecifiedBenchmarks();
+    writeRatios();
     benchmark::Shutdown();
     return 0;
 }

@@ -40,6 +40,9 @@ typedef struct {
 
 extern const OrvScalarFamily orvScalarFamilies[];
 extern const int orvScalarFamilyCount;
+/* The same loops built with -O3 -fno-math-errno. */
+extern const OrvScalarFamily orvScalarFamiliesFast[];
+extern const int orvScalarFamilyCountFast;
 
 #ifdef __cplusplus
 }

@@ -7,12 +7,22 @@
  * distribution) the entry is empty and the report shows no glibc column.
  * Where the family is a composition, the loop writes the composition a user
  * would: 1/sqrtf(x) for InvSqrt, cbrtf(x*x) for Pow2o3, 0.5*erfc(-x/sqrt 2)
- * for CdfNorm, sincosf for CIS. */
+ * for CdfNorm, sincosf for CIS.
+ *
+ * The file is compiled twice: as above, and as a user building for speed
+ * would (-O3 -fno-math-errno), where sqrt and division loops become
+ * sqrtps/divpd loops; that build defines ORV_SCALAR_FAST and names its
+ * table orvScalarFamiliesFast. */
 #define _GNU_SOURCE
 #include <complex.h>
 #include <math.h>
 
 #include "loops.h"
+
+#ifdef ORV_SCALAR_FAST
+#define orvScalarFamilies orvScalarFamiliesFast
+#define orvScalarFamilyCount orvScalarFamilyCountFast
+#endif
 
 typedef float complex Cf;
 typedef double complex Cd;

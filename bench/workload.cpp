@@ -32,27 +32,36 @@ Workload::Workload(const ExportInfo& e, const std::vector<Sample>& samples) : e_
 void Workload::layOut(const std::vector<Sample>& tile, int32_t len) {
     if (tile.empty() || len <= 0) throw std::invalid_argument("a workload needs samples");
     const ExportInfo& e = *e_;
-    const size_t srcBytes = size_t(len) * e.srcElemSize(), dstBytes = size_t(len) * e.dstElemSize();
+    const int32_t period = int32_t(tile.size());
+    const int32_t pool = std::max(len, period);
+    const size_t srcBytes = size_t(pool) * e.srcElemSize(), dstBytes = size_t(len) * e.dstElemSize();
     src1_ = allocate(srcBytes);
     if (e.shape == Shape::B) src2_ = allocate(srcBytes);
     dst1_ = allocate(dstBytes);
     if (e.shape == Shape::S) dst2_ = allocate(dstBytes);
 
-    // The first tile in the harness's encoding, then copies of it.
-    const int32_t period = std::min<int32_t>(len, int32_t(tile.size()));
-    const std::vector<Sample> first(tile.begin(), tile.begin() + period);
+    // The tile in the harness's encoding, repeated to fill the pool.
     const size_t periodBytes = size_t(period) * e.srcElemSize();
     for (int k = 0; k < e.sourceCount(); ++k) {
         unsigned char* dst = (k == 0 ? src1_ : src2_).get();
-        const std::vector<unsigned char> bytes = orvtest::sourceBytes(e, first, k);
+        const std::vector<unsigned char> bytes = orvtest::sourceBytes(e, tile, k);
         for (size_t done = 0; done < srcBytes; done += periodBytes)
             std::memcpy(dst + done, bytes.data(), std::min(periodBytes, srcBytes - done));
     }
     // The K shape's constant is one value per call: the first sample's.
     orvtest::CallArgs args;
-    orvtest::setConstant(e, first, args);
+    orvtest::setConstant(e, tile, args);
     std::memcpy(constant_, args.constant, sizeof constant_);
     len_ = len;
+    const size_t lenBytes = size_t(len) * e.srcElemSize();
+    windowStep_ = (lenBytes + kWindowAlign - 1) / kWindowAlign * kWindowAlign;
+    windows_ = int32_t((srcBytes - lenBytes) / windowStep_ + 1);
+}
+
+OrvBenchArrays Workload::arrays(int32_t k) const {
+    const size_t offset = size_t(k % windows_) * windowStep_;
+    const unsigned char* s2 = src2_ ? src2_.get() + offset : nullptr;
+    return {src1_.get() + offset, s2, dst1_.get(), dst2_.get(), constant_, len_};
 }
 
 Workload Workload::sampled(const ExportInfo& e, const Range& range, int32_t len, double specialFraction,
@@ -63,7 +72,7 @@ Workload Workload::sampled(const ExportInfo& e, const Range& range, int32_t len,
     // which is what an accuracy test wants and what ordinary data is not:
     // their products underflow to denormals, which the processor handles
     // slowly.  The arrays take the samples uniform in value.
-    const int32_t distinct = std::min(len, kDistinct);
+    const int32_t distinct = kDistinct;
     const std::vector<Sample> drawn = orvtest::sampleRange(e, range, 2 * distinct, seed);
     std::vector<Sample> tile;
     tile.reserve(distinct);

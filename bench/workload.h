@@ -25,22 +25,28 @@ public:
     // The samples laid out one per element (len = samples.size()).
     Workload(const ExportInfo& e, const std::vector<Sample>& samples);
 
-    // len elements from `range`: at most kDistinct samples drawn with the
-    // harness's sampler (its samples uniform in value) and repeated to fill
-    // the arrays (drawing a million
-    // MPFR-free samples would cost more than timing them; the repetition
-    // period is far beyond anything a branch predictor learns).  A
-    // `specialFraction` of the drawn elements, at random places, is
-    // replaced by special values that lie outside `range` (NaN, infinities,
-    // zeros, denormals, huge values, from the harness's special samples).
+    // len elements from `range`: kDistinct samples drawn with the
+    // harness's sampler (its samples uniform in value).  A call takes one
+    // window of len elements from a pool of at least kDistinct, so that
+    // successive calls on a short array see different values, as a
+    // program's successive calls would: replaying the same thousand values
+    // lets the branch predictor learn them, and a branchy loop would look
+    // several times faster than it is.  An array longer than the pool
+    // repeats it (drawing a million MPFR-free samples would cost more than
+    // timing them; the period is far beyond anything a predictor learns).
+    // A `specialFraction` of the drawn elements, at random places, is
+    // replaced by special values that lie outside `range` (NaN,
+    // infinities, zeros, denormals, huge values, from the harness's
+    // special samples).
     static Workload sampled(const ExportInfo& e, const Range& range, int32_t len, double specialFraction,
                             uint64_t seed);
     static constexpr int32_t kDistinct = 1 << 16;
 
-    // Pointers into this workload, valid while it lives (also after a move).
-    OrvBenchArrays arrays() const {
-        return {src1_.get(), src2_.get(), dst1_.get(), dst2_.get(), constant_, len_};
-    }
+    // Window k of the pool (k below windows()): pointers into this
+    // workload, valid while it lives (also after a move).  Every window
+    // writes the same destination.
+    OrvBenchArrays arrays(int32_t k = 0) const;
+    int32_t windows() const { return windows_; }
     int32_t len() const { return len_; }
     // The results of the last call, outputComponents() per element.
     std::vector<double> results() const;
@@ -54,10 +60,16 @@ private:
     static Buffer allocate(size_t bytes);
     void layOut(const std::vector<Sample>& tile, int32_t len);
 
+    // Windows start on whole cache lines and step by the array's length
+    // rounded up to them.
+    static constexpr int32_t kWindowAlign = 64;
+
     const ExportInfo* e_;
     Buffer src1_, src2_, dst1_, dst2_;
     alignas(16) unsigned char constant_[16] = {};
     int32_t len_ = 0;
+    int32_t windows_ = 1;
+    size_t windowStep_ = 0;  // in bytes of the first source
 };
 
 // The special samples of a member that lie outside `range` in some input

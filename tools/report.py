@@ -24,8 +24,8 @@ import threading
 import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-KINDS = ["scalar", "libmvec", "sleef-sse2", "sleef-sse4", "copy"]
-KIND_TITLES = {"scalar": "scalar loop", "libmvec": "libmvec", "sleef-sse2": "SLEEF SSE2",
+KINDS = ["scalar", "scalar-O3", "libmvec", "sleef-sse2", "sleef-sse4", "copy"]
+KIND_TITLES = {"scalar": "scalar loop", "scalar-O3": "loop -O3", "libmvec": "libmvec", "sleef-sse2": "SLEEF SSE2",
                "sleef-sse4": "SLEEF SSE4", "copy": "copy"}
 
 
@@ -53,15 +53,16 @@ def parse_args():
     p.add_argument("--special", type=float, default=0.01,
                    help="fraction of special elements of the special input, timed at the smallest size "
                         "(default 0.01; 0 leaves it out)")
-    p.add_argument("--min-time", type=float, default=0.01,
-                   help="seconds per repetition of each benchmark (default 0.01)")
-    p.add_argument("--repetitions", type=int, default=3,
-                   help="repetitions of each benchmark, of which the median counts (default 3)")
+    p.add_argument("--rounds", type=int, default=15,
+                   help="speed: rounds in which a member and its alternatives take turns on the same arrays; "
+                        "ratios are medians over the rounds (default 15)")
+    p.add_argument("--round-ms", type=float, default=1.0,
+                   help="speed: milliseconds of each runner's turn in a round (default 1)")
     p.add_argument("--jobs", type=int, default=2, help="processes measuring accuracy (default 2)")
-    p.add_argument("--callgrind", default="", metavar="MEMBER",
-                   help="also count instructions per element of MEMBER and its alternatives under "
-                        "callgrind (repeatable, unlike times)")
-    p.add_argument("--calls", type=int, default=20, help="calls counted by --callgrind (default 20)")
+    p.add_argument("--no-callgrind", action="store_true",
+                   help="leave out the instruction counts (callgrind, which needs valgrind)")
+    p.add_argument("--calls", type=int, default=4,
+                   help="calls per benchmark counted by callgrind (default 4; the count does not vary)")
     p.add_argument("--started", type=float, default=0.0, help=argparse.SUPPRESS)
     return p.parse_args()
 
@@ -239,8 +240,7 @@ def errors_across_domain(args, tool, member):
 def measure_speed(args, bench, out_dir):
     speed_tsv = os.path.join(out_dir, "speed.tsv")
     cmd = [bench, "--orvvm_progress", f"--orvvm_ratios_out={speed_tsv}", f"--orvvm_sizes={args.sizes}",
-           f"--orvvm_special={args.special}", f"--benchmark_min_time={args.min_time}",
-           f"--benchmark_repetitions={args.repetitions}", "--benchmark_report_aggregates_only=true",
+           f"--orvvm_special={args.special}", f"--orvvm_rounds={args.rounds}", f"--orvvm_round_ms={args.round_ms}",
            f"--benchmark_out={os.path.join(out_dir, 'bench.json')}", "--benchmark_out_format=json"]
     if args.members:
         cmd.append(f"--orvvm_members={args.members}")
@@ -272,39 +272,49 @@ def measure_speed(args, bench, out_dir):
 
 
 def callgrind_counts(args, bench, out_dir):
-    """Instructions per element of one member and its alternatives, at the
-    smallest size, counted by callgrind inside orvvm_bench_measured()."""
+    """Instructions per element of every member and its alternatives on
+    ordinary data at the smallest size: one callgrind run over all the
+    benchmarks, one count per benchmark (callgrind dumps after each call of
+    orvvm_bench_measured(), and the benchmark program lists them in that
+    order).  Written to instructions.tsv."""
     valgrind = shutil.which("valgrind")
     if not valgrind:
-        fail("--callgrind needs valgrind (tools/install-deps valgrind)")
+        fail("the instruction counts need valgrind (tools/install-deps valgrind), or pass --no-callgrind")
     size = min(int(s) for s in args.sizes.split(","))
-    listing = subprocess.run([bench, "--orvvm_list", f"--orvvm_members=^{re.escape(args.callgrind)}$",
-                              f"--orvvm_sizes={size}", f"--orvvm_special={args.special}"],
-                             capture_output=True, text=True, check=True).stdout
+    select = [f"--orvvm_sizes={size}", "--orvvm_special=0"]
+    if args.members:
+        select.append(f"--orvvm_members={args.members}")
+    listing = subprocess.run([bench, "--orvvm_list"] + select, capture_output=True, text=True, check=True).stdout
     names = [line.split("\t") for line in listing.splitlines() if line]
-    if not names:
-        fail(f"--callgrind: the library has no member {args.callgrind}")
-    progress = Progress("callgrind", len(names))
+    sys.stderr.write(f"callgrind: counting {len(names)} benchmarks...\n")
+    cg_dir = os.path.join(out_dir, "callgrind")
+    shutil.rmtree(cg_dir, ignore_errors=True)
+    os.makedirs(cg_dir)
+    outfile = os.path.join(cg_dir, "bench.out")
+    run = subprocess.run([valgrind, "--tool=callgrind", "--toggle-collect=orvvm_bench_measured",
+                          "--dump-after=orvvm_bench_measured", f"--callgrind-out-file={outfile}", bench,
+                          "--orvvm_repeat=all", f"--orvvm_calls={args.calls}"] + select,
+                         capture_output=True, text=True)
+    if run.returncode != 0:
+        fail(f"callgrind failed:\n{run.stderr[-2000:]}")
+    done = [line.split("\t")[0] for line in run.stdout.splitlines() if line]
+    if done != [n[0] for n in names]:
+        fail("callgrind: the benchmarks counted are not the ones listed")
     results = []
-    for name, _group, n, inp, kind, label in names:
-        outfile = os.path.join(out_dir, "callgrind", re.sub(r"[^A-Za-z0-9_.-]", "_", name) + ".out")
-        os.makedirs(os.path.dirname(outfile), exist_ok=True)
-        run = subprocess.run([valgrind, "--tool=callgrind", "--toggle-collect=orvvm_bench_measured",
-                              f"--callgrind-out-file={outfile}", bench, f"--orvvm_repeat={name}",
-                              f"--orvvm_calls={args.calls}", f"--orvvm_members=^{re.escape(args.callgrind)}$",
-                              f"--orvvm_sizes={size}", f"--orvvm_special={args.special}"],
-                             capture_output=True, text=True)
-        if run.returncode != 0:
-            fail(f"callgrind failed on {name}:\n{run.stderr[-2000:]}")
+    for k, (name, group, n, inp, kind, label) in enumerate(names, start=1):
         total = None
-        with open(outfile) as f:
+        with open(f"{outfile}.{k}") as f:
             for line in f:
-                if line.startswith("summary:") or line.startswith("totals:"):
+                if line.startswith("totals:"):
                     total = int(line.split()[1])
         per_element = total / (args.calls * int(n)) if total is not None else float("nan")
-        results.append({"name": name, "input": inp, "kind": kind, "label": label, "ir_per_element": per_element})
-        progress.step(name)
-    progress.finish()
+        results.append({"name": name, "group": group, "size": n, "input": inp, "kind": kind, "label": label,
+                        "ir_per_element": per_element})
+    with open(os.path.join(out_dir, "instructions.tsv"), "w") as f:
+        f.write("benchmark\tgroup\tsize\tinput\tkind\tfunction\tinstructions_per_element\n")
+        for c in results:
+            f.write(f"{c['name']}\t{c['group']}\t{c['size']}\t{c['input']}\t{c['kind']}\t{c['label']}\t"
+                    f"{c['ir_per_element']:.3f}\n")
     return results
 
 
@@ -389,9 +399,9 @@ def plot_speed(rows, sizes, path):
             continue
         data.setdefault((r["family"], r["type"], int(r["size"]), r["kind"]), []).append(float(r["ratio"]))
     kinds = [k for k in KINDS if any(key[3] == k for key in data)]
-    markers = {"scalar": "o", "libmvec": "s", "sleef-sse2": "^", "sleef-sse4": "v", "copy": "D"}
-    colors = {"scalar": "#1f77b4", "libmvec": "#2ca02c", "sleef-sse2": "#ff7f0e", "sleef-sse4": "#d62728",
-              "copy": "#7f7f7f"}
+    markers = {"scalar": "o", "scalar-O3": "P", "libmvec": "s", "sleef-sse2": "^", "sleef-sse4": "v", "copy": "D"}
+    colors = {"scalar": "#1f77b4", "scalar-O3": "#9467bd", "libmvec": "#2ca02c", "sleef-sse2": "#ff7f0e",
+              "sleef-sse4": "#d62728", "copy": "#7f7f7f"}
     height = max(3.5, 0.28 * len(keys) + 2.0)
     width = max(9.0, 6.0 * len(sizes))
     fig, axes = plt.subplots(1, len(sizes), figsize=(width, height), sharey=True, squeeze=False)
@@ -529,6 +539,20 @@ def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, in
         r = idx.get((member, size, inp, "orvvm"))
         return number(r["orvvm_elem_per_ns"]) if r else None
 
+    def ratio_cell(member, size, kind):
+        """The median ratio and, after it, half the interquartile range
+        relative to it: 1.23 ±4%."""
+        r = idx.get((member, size, "ordinary", kind))
+        med = number(r["ratio"]) if r else None
+        if med is None:
+            return fmt_ratio(None)
+        q1, q3 = number(r.get("ratio_q1")), number(r.get("ratio_q3"))
+        if q1 is None or q3 is None or med <= 0:
+            return fmt_ratio(med)
+        return f"{fmt_ratio(med)} ±{50 * (q3 - q1) / med:.0f}%"
+
+    same_as = {r["member"]: r.get("same_as", "") for r in speed if r["kind"] == "orvvm" and r.get("same_as")}
+
     verdicts = [accuracy[m]["verdict"] for m in accuracy]
     partial = {m for m, a in accuracy.items()
                if number(a.get("samples")) is not None and number(a.get("planned"))
@@ -543,7 +567,9 @@ def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, in
     for k, v in info.items():
         w(f"| {k} | {v} |")
     w(f"| Speed | arrays of {', '.join(f'{s:,}' for s in sizes)} elements from each member's ordinary range; "
-      f"median of {args.repetitions} repetitions of at least {args.min_time:g} s; CPU time; "
+      f"the member and its alternatives take turns on the same arrays in {args.rounds} rounds of about "
+      f"{args.round_ms:g} ms each, timed by the thread's CPU clock; ratios are medians over the rounds; arrays "
+      f"shorter than 65,536 elements slide over a pool of 65,536 distinct inputs; "
       f"{args.special:.0%} special elements in the special input ({special_size:,} elements) |")
     w(f"| Accuracy | special values, {args.samples} random inputs per recorded range, glibc's hard cases, "
       f"at most {args.budget:g} s per member; against MPFR/MPC |\n")
@@ -578,7 +604,8 @@ def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, in
     w("Accuracy: the largest error measured (ulp of the exact result), the fewest correct bits, the tier's "
       "bound and the verdict (pass: within the tier and the maximum recorded next to the code). Speed: "
       "orvvm's elements per nanosecond and its speed divided by each alternative's, at "
-      + " / ".join(f"{s:,}" for s in sizes) + " elements (above 1: orvvm is faster). Special: orvvm's speed "
+      + " / ".join(f"{s:,}" for s in sizes) + " elements (above 1: orvvm is faster), the median over the rounds "
+      "and half its interquartile range (±). Special: orvvm's speed "
       f"with {args.special:.0%} special elements relative to ordinary data, and against the scalar loop on "
       "the same special data.\n")
     head = ["member", "bound", "max ulp", "bits", "accuracy", "elem/ns"] + \
@@ -594,17 +621,25 @@ def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, in
             verdict = f"**{verdict}**"
         if m in partial:
             verdict += "*"
-        cells = [f"`{m}`", a.get("bound", ""), a.get("max_ulp", "") or "–", bits_text, verdict]
+        name = f"`{m}`" + (f" (= `{same_as[m]}`)" if m in same_as else "")
+        cells = [name, a.get("bound", ""), a.get("max_ulp", "") or "–", bits_text, verdict]
         rates = [rate(m, s, "ordinary") for s in sizes]
         cells.append(" / ".join("–" if v is None else f"{v:.3g}" for v in rates))
         for kind in KINDS:
             vs = [ratio(m, s, "ordinary", kind) for s in sizes]
-            cells.append("" if all(v is None for v in vs) else " / ".join(fmt_ratio(v) for v in vs))
+            cells.append("" if all(v is None for v in vs) else " / ".join(ratio_cell(m, s, kind) for s in sizes))
         sp, ordi = rate(m, special_size, "special"), rate(m, special_size, "ordinary")
         cells.append(f"{sp / ordi:.0%}" if sp and ordi else "")
         cells.append(fmt_ratio(ratio(m, special_size, "special", "scalar")) if sp else "")
         w("| " + " | ".join(cells) + " |")
     w("\n## Functions compared\n")
+    w("Beside each member stands the fastest variant of each peer whose documented accuracy meets the member's "
+      "tier: SLEEF's `u10` functions (below 1 ulp) for the top tiers `A24` and `A53`, its `u35` functions (below "
+      "4 ulp) for the others, or the closest variant SLEEF has (`u05`, `u15`, the exact ones); libmvec has one "
+      "variant per function (4 ulp documented), shown beside every tier; the glibc loops are built twice, as "
+      "plain C (`-O2`, errno kept: the scalar loop) and as a user building for speed would (`-O3 "
+      "-fno-math-errno`: loop -O3, where square roots and divisions vectorise). Members marked `(= ...)` in the "
+      "members table are one computation with the member named: their figures differ only by noise.\n")
     w("| family | type | " + " | ".join(KIND_TITLES[k] for k in KINDS) + " |")
     w("|---|---|" + "---|" * len(KINDS))
     for (fam, typ) in sorted(labels):
@@ -619,16 +654,29 @@ def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, in
         w("\n## Members measured on fewer inputs than planned\n")
         w(", ".join(f"`{m}` ({accuracy[m]['samples']} of {accuracy[m]['planned']})" for m in sorted(partial)))
     if callgrind:
-        w(f"\n## Instructions per element (callgrind, {min(sizes):,} elements, {args.calls} calls)\n")
-        w("Counted by valgrind's callgrind inside one function that makes the calls: the same on every run, "
-          "unlike times. Callgrind emulates the x87 unit at double precision, so members that work in x87 "
-          "extended precision may take other paths than on the processor.\n")
-        w("| benchmark | input | instructions per element |")
-        w("|---|---|--:|")
+        w(f"\n## Instructions per element (callgrind, {min(sizes):,} elements, ordinary input)\n")
+        w("Counted by valgrind's callgrind over whole calls of each member and of each alternative on the same "
+          "arrays: the same on every run, unlike times, so a change of speed can be told from noise. Callgrind "
+          "emulates the x87 unit at double precision, so members that work in x87 extended precision may take "
+          "other paths than on the processor. Every count is in `instructions.tsv`.\n")
+        counts = {}
         for c in callgrind:
-            w(f"| `{c['name']}` | {c['input']} | {c['ir_per_element']:.2f} |")
+            counts.setdefault(c["group"], {})[(c["kind"], c["label"])] = c["ir_per_element"]
+        kinds = [k for k in KINDS if any(c["kind"] == k for c in callgrind)]
+        w("| member | orvvm | " + " | ".join(KIND_TITLES[k] for k in kinds) + " |")
+        w("|---|--:|" + "--:|" * len(kinds))
+        for c in callgrind:
+            if c["kind"] != "orvvm":
+                continue
+            group = counts[c["group"]]
+            cells = [f"`{c['label']}`", f"{c['ir_per_element']:.1f}"]
+            for k in kinds:
+                vs = [v for (kind, _label), v in group.items() if kind == k]
+                cells.append(" / ".join(f"{v:.1f}" for v in vs))
+            w("| " + " | ".join(cells) + " |")
     w("\n## Raw data\n")
-    w("`accuracy.tsv` (one line per member), `speed.tsv` (rates and ratios), `bench.json` and `bench.txt` "
+    w("`accuracy.tsv` (one line per member), `speed.tsv` (rates, ratios and their quartiles), "
+      "`instructions.tsv` (callgrind's counts per element), `bench.json` and `bench.txt` "
       "(Google Benchmark's own output, with every aggregate), `bench.log` (its context: CPU, caches, load).")
     with open(os.path.join(out_dir, "report.md"), "w") as f:
         f.write("\n".join(lines) + "\n")
@@ -662,7 +710,7 @@ def main():
         plot_member = ""
 
     speed = measure_speed(args, bench, out_dir)
-    callgrind = callgrind_counts(args, bench, out_dir) if args.callgrind else None
+    callgrind = None if args.no_callgrind else callgrind_counts(args, bench, out_dir)
 
     sys.stderr.write("plots and table...\n")
     sizes = [int(s) for s in args.sizes.split(",")]
@@ -679,9 +727,8 @@ def main():
         if not os.path.getsize(os.path.join(out_dir, needed)):
             fail(f"{needed} is empty")
     if callgrind:
-        sys.stderr.write("\ninstructions per element (callgrind):\n")
-        for c in callgrind:
-            sys.stderr.write(f"  {c['name']:<60} {c['ir_per_element']:10.2f}\n")
+        sys.stderr.write(f"\ninstructions per element of {len(callgrind)} benchmarks: "
+                         f"{os.path.join(out_dir, 'instructions.tsv')}\n")
     sys.stderr.write(f"\nreport: {os.path.join(out_dir, 'report.md')} ({timings})\n")
 
 

@@ -104,7 +104,7 @@ enum class WarnFlags {
 // x*1.0 evaluated after the store before it, for its flags only.
 template <class T>
 inline void timesOneAfterStore(T x) {
-    asm volatile("" ::: "memory");
+    memoryBarrier();
     forceEval(opaque(x) * T(1));
 }
 

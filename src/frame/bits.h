@@ -64,4 +64,9 @@ inline void forceEval(T x) {
 }
 inline void forceEval(long double x) { asm volatile("" ::"f"(x)); }
 
+// Keeps the compiler from moving memory accesses across this point: a
+// store before it is done before any arithmetic after it that could raise
+// a flag (the result is stored, then its flags are made).
+inline void memoryBarrier() { asm volatile("" ::: "memory"); }
+
 }  // namespace orv

@@ -1,5 +1,4 @@
-// BlockPath: the loop of a screened family, in its four forms, and the raw-
-// bit screens.
+// BlockPath: the loops of the screened families, and the raw-bit screens.
 //
 // A family supplies its block size N and two functions of the element index:
 //
@@ -147,6 +146,54 @@ inline void laneFixup(const T* src, T* dst, int32_t len, Block&& block, Element&
             dst[i + __builtin_ctz(mask)] = element(in[__builtin_ctz(mask)]);
     }
     for (; i < len; ++i) dst[i] = element(src[i]);
+}
+
+// PairedGroups: rounds of two groups of four floats, each group screened
+// and rejected on its own.  formula(x) gives a group's results with no
+// branch, fails(x) its screen's lane mask, rejected(x, out) finishes a
+// rejected group (results and warnings) from its inputs x.  The first
+// group's results go out before the verdict; its inputs are kept in a
+// register, so a rejected group is recomputed from them even when dst is
+// src.  After the rounds, one group of four if four remain; the last 1 to
+// 3 elements are padded with `padding` (a value that passes the screen and
+// warns of nothing) to a group of four that goes the same way, only the
+// real lanes being stored.
+template <class Formula, class Fails, class Rejected>
+inline void pairedGroups(const float* src, float* dst, int32_t len, float padding, Formula&& formula,
+                         Fails&& fails, Rejected&& rejected) {
+    auto group = [&](F32x4 x, float* out) {
+        if (fails(x))
+            rejected(x, out);
+        else
+            store(out, formula(x));
+    };
+    int32_t i = 0;
+    for (; i <= len - 8; i += 8) {
+        F32x4 xa = load(src + i), xb = load(src + i + 4);
+        F32x4 rb = formula(xb);
+        store(dst + i, formula(xa));
+        int failA = fails(xa), failB = fails(xb);
+        if ((failA | failB) == 0) {
+            store(dst + i + 4, rb);
+            continue;
+        }
+        if (failA) rejected(xa, dst + i);
+        if (failB)
+            rejected(xb, dst + i + 4);
+        else
+            store(dst + i + 4, rb);
+    }
+    if (len - i >= 4) {
+        group(load(src + i), dst + i);
+        i += 4;
+    }
+    if (i < len) {
+        int32_t count = len - i;
+        alignas(16) float lanes[4] = {padding, padding, padding, padding};
+        std::memcpy(lanes, src + i, sizeof(float) * count);
+        group(loadAligned(lanes), lanes);
+        std::memcpy(dst + i, lanes, sizeof(float) * count);
+    }
 }
 
 // ---- BlockScreen forms ----------------------------------------------------

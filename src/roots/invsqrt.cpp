@@ -18,7 +18,7 @@
 // against MPFR.
 //
 // Paths.
-// A11 and A21 work in groups of 4, two to a round of 8.  Their screen,
+// A11 and A21 work in groups of 4, two to a round of 8 (PairedGroups).  Their screen,
 // int32(bits + 0x7F800000) <= int32(0xFEFFF001), passes 0x00800000 to
 // 0x7F7FF001: positive normals short of the top of the range.  The first
 // group of a round is stored before the verdict; its inputs stay in a
@@ -43,8 +43,6 @@
 // positive denormal takes seed and e from x * 2^54 and its result times
 // 2^27.
 // PointersFirstFrame, guard nearest.
-#include <cstring>
-
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "roots/rsqrt_seed.h"
@@ -114,52 +112,11 @@ void rejectedGroup(F32x4 x, float* out, StatusVar& status) {
 }
 
 template <F32x4 (*Formula)(F32x4)>
-void groupRounds(const Orv32f* src, Orv32f* dst, int32_t len, StatusVar& status) {
-    int32_t i = 0;
-    for (; i <= len - 8; i += 8) {
-        // xa is the copy of the first group's inputs: its results go out
-        // before the verdict and may overwrite them.
-        F32x4 xa = load(src + i), xb = load(src + i + 4);
-        F32x4 rb = Formula(xb);
-        store(dst + i, Formula(xa));
-        int failA = groupScreen(xa), failB = groupScreen(xb);
-        if ((failA | failB) == 0) {
-            store(dst + i + 4, rb);
-            continue;
-        }
-        if (failA) rejectedGroup<Formula>(xa, dst + i, status);
-        if (failB)
-            rejectedGroup<Formula>(xb, dst + i + 4, status);
-        else
-            store(dst + i + 4, rb);
-    }
-    if (len - i >= 4) {
-        F32x4 x = load(src + i);
-        if (groupScreen(x))
-            rejectedGroup<Formula>(x, dst + i, status);
-        else
-            store(dst + i, Formula(x));
-        i += 4;
-    }
-    if (i < len) {
-        // 1 to 3 elements in a group padded with 3.0, which passes the
-        // screen and warns of nothing; only the real lanes go back.
-        int32_t count = len - i;
-        alignas(16) float lanes[4] = {kThree, kThree, kThree, kThree};
-        std::memcpy(lanes, src + i, sizeof(float) * count);
-        F32x4 x = loadAligned(lanes);
-        if (groupScreen(x))
-            rejectedGroup<Formula>(x, lanes, status);
-        else
-            storeAligned(lanes, Formula(x));
-        std::memcpy(dst + i, lanes, sizeof(float) * count);
-    }
-}
-
-template <F32x4 (*Formula)(F32x4)>
 OrvStatus invSqrtGroups32(const Orv32f* src, Orv32f* dst, int32_t len) {
     return pointersFirstFrame<kGuardNearest>({src, dst}, len, [&](StatusVar& status) {
-        groupRounds<Formula>(src, dst, len, status);
+        pairedGroups(
+            src, dst, len, kThree, [](F32x4 x) { return Formula(x); }, [](F32x4 x) { return groupScreen(x); },
+            [&](F32x4 x, float* out) { rejectedGroup<Formula>(x, out, status); });
     });
 }
 
@@ -199,11 +156,11 @@ constexpr uint64_t kDefaultNaN64 = 0xFFF8000000000000;
 
 using Kernel64 = F64x2 (*)(F64x2 x, F64x2 y);
 
-F64x2 invSqrtA50(F64x2 x, F64x2 y) {
+[[gnu::always_inline]] inline F64x2 invSqrtA50(F64x2 x, F64x2 y) {
     F64x2 e = x * (y * y) - splat(1.0);
     return y + series4(e) * y;
 }
-F64x2 invSqrtA53(F64x2 x, F64x2 y) {
+[[gnu::always_inline]] inline F64x2 invSqrtA53(F64x2 x, F64x2 y) {
     F64x2 q = y * y;
     F64x2 xh = headOf(x);
     F64x2 e = (xh * q - splat(1.0)) + (x - xh) * q;

@@ -89,7 +89,7 @@ Root32 sqrtA21(F32x4 x) {
 // has 9 bits, so xh*y is exact; xl = x - xh is exact.  e carries one
 // rounding (xh*q near 1), and the result adds the corrections before the
 // exact leading term t.  The sign of x is or-ed in for the zeros.
-Root32 sqrtA24(F32x4 x) {
+[[gnu::always_inline]] inline Root32 sqrtA24(F32x4 x) {
     F32x4 y = seedOrZero(x, rsqrt(x) & splatBits32(kShort32));
     F32x4 xh = x & splatBits32(kShort32);
     F32x4 xl = x - xh;
@@ -144,11 +144,11 @@ constexpr uint64_t kDefaultNaN64 = 0xFFF8000000000000;
 // where xe = x * 2^54 and the result comes out 2^-27 too small.
 using Kernel64 = F64x2 (*)(F64x2 xe, F64x2 x, F64x2 y);
 
-F64x2 sqrtA26(F64x2 xe, F64x2 x, F64x2 y) {
+[[gnu::always_inline]] inline F64x2 sqrtA26(F64x2 xe, F64x2 x, F64x2 y) {
     F64x2 p = series2(xe * (y * y) - splat(1.0));
     return (y + p * y) * x;
 }
-F64x2 sqrtA50(F64x2 xe, F64x2 x, F64x2 y) {
+[[gnu::always_inline]] inline F64x2 sqrtA50(F64x2 xe, F64x2 x, F64x2 y) {
     F64x2 p = series4(xe * (y * y) - splat(1.0));
     return (y + p * y) * x;
 }
@@ -156,7 +156,7 @@ F64x2 sqrtA50(F64x2 xe, F64x2 x, F64x2 y) {
 // x, whose low word is all it has below the head.  e = (xh*y*y - 1) +
 // xl*y*y rounds once in its large part; the result adds the small terms
 // first and the exact xh*y last.
-F64x2 sqrtA53(F64x2 xe, F64x2 x, F64x2 y) {
+[[gnu::always_inline]] inline F64x2 sqrtA53(F64x2 xe, F64x2 x, F64x2 y) {
     F64x2 q = y * y;
     F64x2 xeh = headOf(xe);
     F64x2 e = (xeh * q - splat(1.0)) + (xe - xeh) * q;
