@@ -150,12 +150,15 @@ constexpr Interval kNearTwo32 = {2.0 - 0x1p-12, 2.0};
 constexpr Interval kNearTwo64 = {2.0 - 0x1p-30, 2.0};
 }  // namespace
 
+// The largest errors the accuracy harness found on its samples (8192 per
+// range, and the special values), against the MPFR references; no
+// exhaustive run of the 32f members yet.
 ORV_RECORDS(
-    {.member = "orvsErfcInv_32f_A11", .maxUlp = 600, .worst = {0.5}, .ranges = {kOpen, kTail32, kNearTwo32}},
-    {.member = "orvsErfcInv_32f_A21", .maxUlp = 4, .worst = {0.5}, .ranges = {kOpen, kTail32, kNearTwo32}},
-    {.member = "orvsErfcInv_32f_A24", .maxUlp = 1, .worst = {0.5}, .ranges = {kOpen, kTail32, kNearTwo32}},
-    {.member = "orvsErfcInv_64f_A26", .maxUlp = 1e8, .worst = {0.5}, .ranges = {kOpen, kTail64, kNearTwo64}},
-    {.member = "orvsErfcInv_64f_A50", .maxUlp = 4, .worst = {0.5}, .ranges = {kOpen, kTail64, kNearTwo64}},
-    {.member = "orvsErfcInv_64f_A53", .maxUlp = 1, .worst = {0.5}, .ranges = {kOpen, kTail64, kNearTwo64}})
+    {.member = "orvsErfcInv_32f_A11", .maxUlp = 1080, .worst = {0x1p-1}, .ranges = {kOpen, kTail32, kNearTwo32}},
+    {.member = "orvsErfcInv_32f_A21", .maxUlp = 3.08, .worst = {0.50003647804260254}, .ranges = {kOpen, kTail32, kNearTwo32}},
+    {.member = "orvsErfcInv_32f_A24", .maxUlp = 0.501, .worst = {0x1.472a02p-1}, .ranges = {kOpen, kTail32, kNearTwo32}},
+    {.member = "orvsErfcInv_64f_A26", .maxUlp = 6.39e+07, .worst = {0x1p-1}, .ranges = {kOpen, kTail64, kNearTwo64}},
+    {.member = "orvsErfcInv_64f_A50", .maxUlp = 2.43, .worst = {0x1.e53a3e89db03ap-3}, .ranges = {kOpen, kTail64, kNearTwo64}},
+    {.member = "orvsErfcInv_64f_A53", .maxUlp = 0.5, .worst = {0x1.fffffffe14f92p+0}, .ranges = {kOpen, kTail64, kNearTwo64}})
 }  // namespace orv
 #endif
