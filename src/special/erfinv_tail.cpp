@@ -47,7 +47,7 @@ constexpr double kLn2Tail = doubleFromBits(0x3DEA39EF35793C76);
 constexpr double kC6 = doubleFromBits(0xBFC5555F7BD1FCD4), kC5 = doubleFromBits(0x3FC999A24CDB6ABC),
                  kC4 = doubleFromBits(0xBFCFFFFFFFFE169D), kC3 = doubleFromBits(0x3FD555555554D0DF), kC2 = -0.5;
 // Rows of F: i = 4 .. 31 for r = i/128 + s.
-constexpr int kFirstRow = 4;
+constexpr int kFirstRow = 4, kLastRow = 31;
 // Slots of a row of F.
 constexpr int kA0 = 0, kC0 = 13, kC1 = 14;
 
@@ -93,7 +93,11 @@ double inverseTail(double y, const double (*rows)[16]) {
     double gh = -(rh * wh), gl = -(rh * wl + rl * W);
 
     // 3. F(r) around i/128.
+    // Every y below 2^-24 has i in 4 .. 31; the clamp only keeps a y that
+    // the caller's denormals-are-zero mode reads as 0 (W infinite, rh 0) from
+    // reading outside the table.
     int i = int(rh * 128.0);
+    i = i < kFirstRow ? kFirstRow : i > kLastRow ? kLastRow : i;
     const double* row = rows[i - kFirstRow];
     double t = rh - double(i) / 128.0;
     double s = t + rl;
