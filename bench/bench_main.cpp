@@ -36,8 +36,13 @@
 //                           best where the arrays sit in cache)
 //   --orvvm_range=K         take the inputs from the K-th range of each
 //                           record instead of the first (members with
-//                           fewer ranges are left out), say the large
-//                           arguments of the trigonometric members
+//                           fewer ranges are left out)
+//   --orvvm_range=large     take the inputs from the first range of each
+//                           record that holds only large arguments (every
+//                           component at least 1e6 in magnitude, as the
+//                           trigonometric members' 1e6 to 1e20), and leave
+//                           out the members without one; the input is
+//                           named "large"
 //   --orvvm_ratios_out=FILE the ratio table as TSV
 //   --orvvm_rounds=N        rounds per race (default 15)
 //   --orvvm_round_ms=T      each runner's share of a round (default 1)
@@ -94,6 +99,7 @@ struct Options {
     std::vector<int32_t> specialSizes;  // empty: the smallest of sizes
     std::string ratiosOut;
     int range = 1;  // which range of the records, from 1
+    bool large = false;  // the records' large-argument range instead
     bool progress = false;
     bool list = false;
     std::string repeat;
@@ -127,10 +133,28 @@ std::vector<Group> groups;
 std::vector<Entry> entries;
 Options options;
 
-// "ordinary" names the records' first range; another range is "range<K>".
+// "ordinary" names the records' first range; another range is "range<K>",
+// and the large-argument range "large".
 std::string inputName(Input in) {
     if (in == Input::Special) return "special";
+    if (options.large) return "large";
     return options.range == 1 ? "ordinary" : "range" + std::to_string(options.range);
+}
+
+// A range of large arguments: every component stays at or beyond 1e6 in
+// magnitude.  The first such range of a record after its ordinary one, or
+// none.
+constexpr double kLargeArgument = 1e6;
+const Range* largeArgumentRange(const orvtest::AccuracyRecord& record) {
+    for (size_t k = 1; k < record.ranges.size(); ++k) {
+        const Range& r = record.ranges[k];
+        if (r.excluded()) continue;
+        bool large = true;
+        for (int c = 0; c < r.components(); ++c)
+            large &= r.lo(c) >= kLargeArgument || r.hi(c) <= -kLargeArgument;
+        if (large) return &r;
+    }
+    return nullptr;
 }
 
 // ---- The groups and the benchmarks -----------------------------------------
@@ -153,8 +177,13 @@ void buildGroups() {
         // A real K member is timed at a few fixed constants, since its cost
         // depends on the constant (small integers may be multiplied out):
         // one group per constant, the source from the ordinary range.
-        if (int(record->ranges.size()) < options.range || record->ranges[options.range - 1].excluded()) continue;
-        const Range& chosen = record->ranges[options.range - 1];
+        const Range* picked = nullptr;
+        if (options.large)
+            picked = largeArgumentRange(*record);
+        else if (int(record->ranges.size()) >= options.range && !record->ranges[options.range - 1].excluded())
+            picked = &record->ranges[options.range - 1];
+        if (!picked) continue;
+        const Range& chosen = *picked;
         std::vector<Range> ranges = {chosen};
         if (e->shape == orvtest::Shape::K && !e->isComplex()) {
             ranges.clear();
@@ -428,8 +457,10 @@ void parseOptions(int& argc, char** argv) {
             options.specialSizes = parseSizes(v);
         else if (takeOption(argv[i], "--orvvm_special", v))
             options.special = std::strtod(v.c_str(), nullptr);
-        else if (takeOption(argv[i], "--orvvm_range", v))
-            options.range = std::max(1, std::atoi(v.c_str()));
+        else if (takeOption(argv[i], "--orvvm_range", v)) {
+            options.large = v == "large";
+            options.range = options.large ? 1 : std::max(1, std::atoi(v.c_str()));
+        }
         else if (takeOption(argv[i], "--orvvm_ratios_out", v))
             options.ratiosOut = v;
         else if (takeOption(argv[i], "--orvvm_progress", v))

@@ -360,6 +360,36 @@ ORVVM_API OrvStatus orvsTanh_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len
 ORVVM_API OrvStatus orvsTanh_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsTanh_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
 
+/* Acosh, Asinh, Atanh (real): dst[i] = acosh, asinh or atanh of src[i].
+ * Shape U.  Each is the logarithm of a number built from |x| with its low
+ * bits kept, so asinh and atanh keep full relative accuracy next to 0 and
+ * acosh next to 1.  asinh and atanh are odd bit for bit (-0 gives -0),
+ * acosh(1) is +0, +-inf give +-inf (asinh) and +inf (acosh).  Acosh warns
+ * orvStatusDomain for x < 1 (the default NaN; orvsAcosh_64f_A53 also raises
+ * invalid).  Atanh warns orvStatusSingularity for x = +-1 (+-inf) and
+ * orvStatusDomain for |x| > 1 (the default NaN); within a rejected block of
+ * all its members but orvsAtanh_64f_A53 the singularity is written last.
+ * A NaN gives that NaN made quiet, no status.  The 64f A26 and A50 members
+ * of each family are one routine. */
+ORVVM_API OrvStatus orvsAcosh_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAcosh_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAcosh_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAcosh_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAcosh_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAcosh_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsinh_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsinh_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsinh_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsinh_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsinh_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAsinh_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtanh_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtanh_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtanh_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtanh_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtanh_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsAtanh_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+
 /* ---- Division and reciprocal -------------------------------------------
  * Real members.  The lower tiers avoid the hardware division: A11 uses the
  * processor's approximate reciprocal (rcpps, about 12 bits) and A21 adds
@@ -465,6 +495,22 @@ ORVVM_API OrvStatus orvsErfc_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len
 ORVVM_API OrvStatus orvsErfc_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsErfc_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsErfc_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+/* CdfNorm: dst[i] = Phi(src[i]), the standard normal distribution function
+ * 0.5 * erfc(-x / sqrt 2), to full relative accuracy down into the subnormal
+ * results of the lower tail.  Shape U.  Above an upper limit (5.42 for
+ * floats, 8.29 for doubles) the result is 1.0; below a lower limit
+ * (-14.17 for floats, -38.49 for doubles, -37.52 in orvsCdfNorm_64f_A26)
+ * it is +0, and every finite such element warns orvStatusUnderflow and
+ * raises the underflow flag (not in orvsCdfNorm_64f_A26, which has no
+ * warning).  -inf gives +0, +inf 1.0, +-0 give 0.5, a NaN gives a NaN.
+ * The x87 control word is guarded; MXCSR is used as the caller set it.
+ * orvsCdfNorm_32f_A11 and orvsCdfNorm_32f_A21 give equal results. */
+ORVVM_API OrvStatus orvsCdfNorm_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCdfNorm_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCdfNorm_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCdfNorm_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCdfNorm_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCdfNorm_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
 /* ---- Inverse error functions and the normal quantile -----------------------
  * ErfInv: dst[i] = erfinv(src[i]), -1 < x < 1.  ErfcInv: dst[i] =
  * erfcinv(src[i]), 0 < x < 2.  CdfNormInv: dst[i] = the p-quantile of the

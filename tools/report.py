@@ -237,19 +237,32 @@ def errors_across_domain(args, tool, member):
 
 # ---- Speed ---------------------------------------------------------------------
 
-def measure_speed(args, bench, out_dir):
-    speed_tsv = os.path.join(out_dir, "speed.tsv")
+def measure_speed(args, bench, out_dir, large=False):
+    """Rates and ratios of every member on its ordinary range, or with
+    large=True on the large-argument range that its record declares (the
+    trigonometric members' 1e6 to 1e20), with no special input; the files of
+    that pass are named *_large."""
+    suffix = "_large" if large else ""
+    speed_tsv = os.path.join(out_dir, f"speed{suffix}.tsv")
+    selection = [f"--orvvm_members={args.members}"] if args.members else []
+    if large:
+        selection += ["--orvvm_range=large", "--orvvm_special=0"]
+        listing = subprocess.run([bench, "--orvvm_list", f"--orvvm_sizes={args.sizes}"] + selection,
+                                 capture_output=True, text=True)
+        if listing.returncode != 0 or not listing.stdout.strip():
+            return []  # no selected member declares a large-argument range
+    else:
+        selection.append(f"--orvvm_special={args.special}")
     cmd = [bench, "--orvvm_progress", f"--orvvm_ratios_out={speed_tsv}", f"--orvvm_sizes={args.sizes}",
-           f"--orvvm_special={args.special}", f"--orvvm_rounds={args.rounds}", f"--orvvm_round_ms={args.round_ms}",
-           f"--benchmark_out={os.path.join(out_dir, 'bench.json')}", "--benchmark_out_format=json"]
-    if args.members:
-        cmd.append(f"--orvvm_members={args.members}")
+           f"--orvvm_rounds={args.rounds}", f"--orvvm_round_ms={args.round_ms}",
+           f"--benchmark_out={os.path.join(out_dir, f'bench{suffix}.json')}", "--benchmark_out_format=json"]
+    cmd += selection
     q = queue.Queue()
-    with open(os.path.join(out_dir, "bench.txt"), "w") as console, \
-            open(os.path.join(out_dir, "bench.log"), "w") as log:
+    with open(os.path.join(out_dir, f"bench{suffix}.txt"), "w") as console, \
+            open(os.path.join(out_dir, f"bench{suffix}.log"), "w") as log:
         proc = subprocess.Popen(cmd, stdout=console, stderr=subprocess.PIPE, text=True)
         threading.Thread(target=read_lines, args=(proc.stderr, 0, q), daemon=True).start()
-        progress = Progress("speed", 0)
+        progress = Progress("speed, large arguments" if large else "speed", 0)
         while True:
             _, line = q.get()
             if line is None:
@@ -521,10 +534,11 @@ def plot_errors(err, path):
     plt.close(fig)
 
 
-def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, info, timings):
+def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, info, timings, speed_large=()):
     sizes = [int(s) for s in args.sizes.split(",")]
     special_size = min(sizes)
-    idx = speed_index(speed)
+    idx = speed_index(list(speed) + list(speed_large))
+    large_members = sorted({r["member"] for r in speed_large})
     members = sorted(set(accuracy) | {r["member"] for r in speed})
     labels = {}
     for r in speed:
@@ -539,10 +553,10 @@ def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, in
         r = idx.get((member, size, inp, "orvvm"))
         return number(r["orvvm_elem_per_ns"]) if r else None
 
-    def ratio_cell(member, size, kind):
+    def ratio_cell(member, size, kind, inp="ordinary"):
         """The median ratio and, after it, half the interquartile range
         relative to it: 1.23 ±4%."""
-        r = idx.get((member, size, "ordinary", kind))
+        r = idx.get((member, size, inp, kind))
         med = number(r["ratio"]) if r else None
         if med is None:
             return fmt_ratio(None)
@@ -571,6 +585,10 @@ def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, in
       f"{args.round_ms:g} ms each, timed by the thread's CPU clock; ratios are medians over the rounds; arrays "
       f"shorter than 65,536 elements slide over a pool of 65,536 distinct inputs; "
       f"{args.special:.0%} special elements in the special input ({special_size:,} elements) |")
+    if large_members:
+        w("| Speed, large arguments | the same sizes and rounds on inputs from the large-argument range "
+          "that a member's record declares (every input at least 1e6 in magnitude; Sin and Cos: 1e6 to 1e20), "
+          "against the same alternatives on the same arrays |")
     w(f"| Accuracy | special values, {args.samples} random inputs per recorded range, glibc's hard cases, "
       f"at most {args.budget:g} s per member; against MPFR/MPC |\n")
     w("## Summary\n")
@@ -590,6 +608,15 @@ def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, in
         if parts:
             w(f"- Speed at {size:,} elements, geometric mean of orvvm / alternative over the members that have "
               f"one: " + ", ".join(parts) + ".")
+    for size in sizes if large_members else []:
+        parts = []
+        for kind in KINDS:
+            g = geomean([ratio(m, size, "large", kind) for m in large_members])
+            if g:
+                parts.append(f"{KIND_TITLES[kind]} {fmt_ratio(g)}")
+        if parts:
+            w(f"- Speed on large arguments at {size:,} elements ({len(large_members)} members), geometric mean "
+              f"of orvvm / alternative: " + ", ".join(parts) + ".")
     kept = geomean([(rate(m, special_size, "special") or 0) / (rate(m, special_size, "ordinary") or 1)
                     for m in members if rate(m, special_size, "special")])
     if kept:
@@ -632,6 +659,28 @@ def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, in
         cells.append(f"{sp / ordi:.0%}" if sp and ordi else "")
         cells.append(fmt_ratio(ratio(m, special_size, "special", "scalar")) if sp else "")
         w("| " + " | ".join(cells) + " |")
+    if large_members:
+        w("\n## Large arguments\n")
+        w("The members whose record declares a range of large arguments (every input at least 1e6 in "
+          "magnitude; Sin and Cos: 1e6 to 1e20, where the reduction needs the long form), timed on inputs "
+          "from that range beside the same alternatives on the same arrays. Columns as in the table above, "
+          "at " + " / ".join(f"{s:,}" for s in sizes) + " elements; \"ordinary elem/ns\" repeats the rate on "
+          "the ordinary range for comparison. Accuracy on these ranges is part of the maximum in the table "
+          "above, which samples every recorded range.\n")
+        kinds = [k for k in KINDS if any(ratio(m, sz, "large", k) for m in large_members for sz in sizes)]
+        head = ["member", "elem/ns", "ordinary elem/ns"] + [f"vs {KIND_TITLES[k]}" for k in kinds]
+        w("| " + " | ".join(head) + " |")
+        w("|---|" + "|".join(["--:"] * (len(head) - 1)) + "|")
+        for m in large_members:
+            cells = [f"`{m}`"]
+            for inp in ("large", "ordinary"):
+                rates = [rate(m, s, inp) for s in sizes]
+                cells.append(" / ".join("–" if v is None else f"{v:.3g}" for v in rates))
+            for kind in kinds:
+                vs = [ratio(m, s, "large", kind) for s in sizes]
+                cells.append("" if all(v is None for v in vs) else
+                             " / ".join(ratio_cell(m, s, kind, "large") for s in sizes))
+            w("| " + " | ".join(cells) + " |")
     w("\n## Functions compared\n")
     w("Beside each member stands the fastest variant of each peer whose documented accuracy meets the member's "
       "tier: SLEEF's `u10` functions (below 1 ulp) for the top tiers `A24` and `A53`, its `u35` functions (below "
@@ -677,7 +726,9 @@ def write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, in
     w("\n## Raw data\n")
     w("`accuracy.tsv` (one line per member), `speed.tsv` (rates, ratios and their quartiles), "
       "`instructions.tsv` (callgrind's counts per element), `bench.json` and `bench.txt` "
-      "(Google Benchmark's own output, with every aggregate), `bench.log` (its context: CPU, caches, load).")
+      "(Google Benchmark's own output, with every aggregate), `bench.log` (its context: CPU, caches, load)"
+      + ("; the same for the large arguments as `speed_large.tsv`, `bench_large.json`, `bench_large.txt` and "
+         "`bench_large.log`." if large_members else "."))
     with open(os.path.join(out_dir, "report.md"), "w") as f:
         f.write("\n".join(lines) + "\n")
 
@@ -710,6 +761,7 @@ def main():
         plot_member = ""
 
     speed = measure_speed(args, bench, out_dir)
+    speed_large = measure_speed(args, bench, out_dir, large=True)
     callgrind = None if args.no_callgrind else callgrind_counts(args, bench, out_dir)
 
     sys.stderr.write("plots and table...\n")
@@ -722,7 +774,7 @@ def main():
     if args.started:
         timings = f"{now - args.started:.0f} s in all, of which measuring {now - t0:.0f} s (the rest: packages " \
                   f"and build)"
-    write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, info, timings)
+    write_report(args, out_dir, accuracy, speed, err, plot_member, callgrind, info, timings, speed_large)
     for needed in ["report.md", "speed_by_family.png"] + ([f"error_{plot_member}.png"] if plot_member else []):
         if not os.path.getsize(os.path.join(out_dir, needed)):
             fail(f"{needed} is empty")

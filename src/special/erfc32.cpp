@@ -20,6 +20,7 @@
 //        A21: G a cubic in a, 16 bands per binade from 2^-6 (150 rows).
 //        A24: G of degree 6 in t = a - centre, 4 bands per binade from
 //        0.25 (23 rows).  The result rounds once, converting to float.
+//        The exponential is the one CdfNorm shares (special/gaussian.h).
 //
 // Blocks whose elements all have |x| at or below the zero point
 // 10.0541954 (10.0541945 in A24) take the arithmetic alone.  A block with
@@ -35,14 +36,14 @@
 //
 // Tables: the rows kErfcRows21 and kErfcRows24 of src/tables/
 // erfc_tables.h, fitted by src/tables/gen_erfc_tables.cpp; 2^(j/128) from
-// kExp2Fraction64 of src/tables/exp2_tables.h.
+// kExp2Fraction64 of src/tables/exp2_tables.h (through special/gaussian.h).
 #include <cstddef>
 
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "frame/simd.h"
+#include "special/gaussian.h"
 #include "tables/erfc_tables.h"
-#include "tables/exp2_tables.h"
 
 namespace orv {
 namespace {
@@ -80,26 +81,6 @@ constexpr float kG11[14] = {floatFromBits(0x3DE2C41A), floatFromBits(0xBCAE943C)
                             floatFromBits(0xB7219E7B), floatFromBits(0xB4556AA3), floatFromBits(0x35DEFF32),
                             floatFromBits(0xB41BDC61), floatFromBits(0xB39F2C66), floatFromBits(0x32012C1D),
                             floatFromBits(0x30ECDC6F), floatFromBits(0xAF6E2A65)};
-
-// A21, A24: the exponential in double.
-constexpr double kInvLn2x128 = doubleFromBits(0x40671547652B82FE);  // 128 / ln 2
-constexpr double kNegShifter64 = doubleFromBits(0xC338000000000000);  // -1.5 2^52
-constexpr double kLn2by128 = doubleFromBits(0x3F762E42FEFA39EF);
-constexpr uint64_t kExponentField = 0xFFF0000000000000;
-constexpr uint64_t kOneField = 0x3FF0000000000000;
-constexpr uint32_t kIndexMask = 127;
-constexpr double kExpTaylor64[5] = {1.0, 1.0, 0.5, doubleFromBits(0x3FC5555555555555),
-                                    doubleFromBits(0x3FA5555555555555)};
-// 2^(j/128), whole.
-struct Pow2Table {
-    double v[128];
-};
-constexpr Pow2Table pow2Table() {
-    Pow2Table t{};
-    for (int j = 0; j < 128; ++j) t.v[j] = doubleFromBits(kOneField | tables::kExp2Fraction64[j]);
-    return t;
-}
-alignas(16) constexpr Pow2Table kPow2 = pow2Table();
 
 // G's rows: mask, base, top (0 = none), byte shift.
 struct BandSelection {
@@ -149,16 +130,7 @@ inline F32x4 erfc11(F32x4 x, bool twin) {
 inline F64x2 negExpSquare(F64x2 x) {
     F64x2 sign = x & splatBits64(kSign64);
     F64x2 a = andNot(x, splatBits64(kSign64));
-    F64x2 m = (a | splatBits64(kSign64)) * a;  // -x^2, exact
-    F64x2 y = m * splat(kInvLn2x128) - splat(kNegShifter64);
-    F64x2 n = y + splat(kNegShifter64);
-    F64x2 r = m - n * splat(kLn2by128);
-    I32x4 yBits = bitsOf(y);
-    F64x2 scale = asF64x2(add64(shl64<45>(yBits) & splat64(kExponentField), splat64(kOneField))) | sign;
-    F64x2 p = splat(kExpTaylor64[4]);
-    for (int k = 3; k >= 0; --k) p = p * r + splat(kExpTaylor64[k]);
-    uint64_t j0 = lane0of64(yBits) & kIndexMask, j1 = lane1of64(yBits) & kIndexMask;
-    return p * scale * setLanes(kPow2.v[j0], kPow2.v[j1]);
+    return gauss::expSigned((a | splatBits64(kSign64)) * a, sign);  // -x^2, exact
 }
 
 template <int Shift>

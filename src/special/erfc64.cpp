@@ -38,14 +38,15 @@
 // Tables: kErfcRows50 (A26 and A50), kErfcRows53, kErfcCentres and
 // kErfcExp2Split of src/tables/erfc_tables.h, fitted and computed by
 // src/tables/gen_erfc_tables.cpp; 2^(j/128) whole from kExp2Fraction64 of
-// src/tables/exp2_tables.h.
+// src/tables/exp2_tables.h.  The exponential and the double-double steps
+// are the ones CdfNorm shares (special/gaussian.h).
 #include <cstddef>
 
 #include "frame/blockpath.h"
 #include "frame/frame.h"
 #include "frame/simd.h"
+#include "special/gaussian.h"
 #include "tables/erfc_tables.h"
-#include "tables/exp2_tables.h"
 
 namespace orv {
 namespace {
@@ -71,34 +72,6 @@ constexpr double kBeyondZeroHigh = doubleFromBits(uint64_t(kZeroPointHigh) << 32
 constexpr double kZeroFrom53 = doubleFromBits(uint64_t(kZeroPointHigh + 1) << 32);
 constexpr uint64_t kInfinity64 = 0x7FF0000000000000;
 
-// -x^2 = h + e.
-constexpr uint64_t kSplitMask = 0xFFFFFFFFF8000000;
-constexpr uint64_t kAbsSplitMask = 0x7FFFFFFFF8000000;
-// k = round(h 128/ln 2) by the shifter 1.5 2^52; ln2/128 = L1 + L2.
-constexpr double kInvLn2x128 = doubleFromBits(0x40671547652B82FE);
-constexpr double kNegShifter = doubleFromBits(0xC338000000000000);
-constexpr double kL1 = doubleFromBits(0x3F762E4300000000);
-constexpr double kL2 = doubleFromBits(0xBDB05C610CA86C39);
-constexpr uint32_t kIndexMask = 127;
-// S = +-2^(k >> 7): the field built 154 binades up, then scaled back.
-constexpr uint64_t kExponentField = 0xFFF0000000000000;
-constexpr uint64_t kRaisedOne = 0x4990000000000000;              // 2^154
-constexpr double kTwoToMinus154 = doubleFromBits(0x3650000000000000);
-// e^r - 1 = ((((r/120 + 1/24) r + 1/6) r + 1/2) r + 1) r.
-constexpr double kExpTaylor[5] = {doubleFromBits(0x3FF0000000000000), doubleFromBits(0x3FE0000000000000),
-                                  doubleFromBits(0x3FC5555555555555), doubleFromBits(0x3FA5555555555555),
-                                  doubleFromBits(0x3F81111111111111)};
-constexpr uint64_t kOneField = 0x3FF0000000000000;
-struct Pow2Table {
-    double v[128];
-};
-constexpr Pow2Table pow2Table() {
-    Pow2Table t{};
-    for (int j = 0; j < 128; ++j) t.v[j] = doubleFromBits(kOneField | tables::kExp2Fraction64[j]);
-    return t;
-}
-alignas(16) constexpr Pow2Table kPow2 = pow2Table();
-
 // G's rows: mask the high word, subtract the base, a negative difference
 // or one above the top to 0, shift to the row's first slot (row * 16).
 constexpr uint32_t kBandMask = 0x7FFC0000, kBandBase = 0x3FCC0000, kBandTop = 0x006C0000;
@@ -115,7 +88,6 @@ constexpr double kTwo = 2.0;
 // ---- Kernels ----------------------------------------------------------------
 
 inline F64x2 absolute(F64x2 x) { return andNot(x, splatBits64(kSign64)); }
-inline F64x2 highHalf(F64x2 v) { return v & splatBits64(kSplitMask); }
 inline F64x2 slot(const double* a, const double* b, int k) { return setLanes(a[k], b[k]); }
 
 inline void rowIndices(F64x2 x, uint32_t (&index)[2]) {
@@ -130,28 +102,9 @@ inline void rowIndices(F64x2 x, uint32_t (&index)[2]) {
 
 // The exponential of -x^2, in parts: S with the sign of x, the table index
 // j, and r's polynomial P = e^r - 1.
-struct NegExpSquare {
-    F64x2 s, p;
-    uint64_t j[2];
-};
-inline NegExpSquare negExpSquare(F64x2 x) {
-    F64x2 ah = x & splatBits64(kAbsSplitMask);
-    F64x2 al = absolute(x) - ah;
-    F64x2 minusAh = ah | splatBits64(kSign64);
-    F64x2 mh = minusAh * ah;  // exact: 26 bits squared
-    F64x2 e1 = splat(kTwo) * (minusAh * al) - al * al;
-    F64x2 h = highHalf(mh);
-    F64x2 e = (mh - h) + e1;
-    F64x2 y = h * splat(kInvLn2x128) - splat(kNegShifter);
-    F64x2 n = y + splat(kNegShifter);
-    F64x2 r = ((h - n * splat(kL1)) - n * splat(kL2)) + e;
-    I32x4 yBits = bitsOf(y);
-    F64x2 raised = asF64x2(add64(shl64<45>(yBits) & splat64(kExponentField), splat64(kRaisedOne)));
-    F64x2 s = (raised | (x & splatBits64(kSign64))) * splat(kTwoToMinus154);
-    F64x2 p = splat(kExpTaylor[4]);
-    for (int k = 3; k >= 0; --k) p = p * r + splat(kExpTaylor[k]);
-    p = p * r;
-    return {s, p, {lane0of64(yBits) & kIndexMask, lane1of64(yBits) & kIndexMask}};
+inline gauss::ExpParts negExpSquare(F64x2 x) {
+    gauss::HeadTail m = gauss::negSquare(x);
+    return gauss::expParts(m.h, m.e, x & splatBits64(kSign64));
 }
 
 // C: 2.0 where the sign bit of x is set, 0 elsewhere, as 1 - (1 with the
@@ -169,20 +122,10 @@ inline F64x2 erfc50(F64x2 x) {
     F64x2 t = absolute(x) - setLanes(tables::kErfcCentres[row[0] / kRowWidth], tables::kErfcCentres[row[1] / kRowWidth]);
     F64x2 g = slot(ra, rb, 12);
     for (int k = 11; k >= 0; --k) g = g * t + slot(ra, rb, k);
-    NegExpSquare ex = negExpSquare(x);
-    F64x2 table = setLanes(kPow2.v[ex.j[0]], kPow2.v[ex.j[1]]);
+    gauss::ExpParts ex = negExpSquare(x);
+    F64x2 table = setLanes(gauss::kPow2.v[ex.j[0]], gauss::kPow2.v[ex.j[1]]);
     F64x2 e = ex.p * table + table;
     return (g * e) * ex.s + reflection(x);
-}
-
-// Knuth's two-sum.
-struct Sum2 {
-    F64x2 s, e;
-};
-inline Sum2 twoSum(F64x2 a, F64x2 b) {
-    F64x2 s = a + b;
-    F64x2 bb = s - a;
-    return {s, (a - (s - bb)) + (b - bb)};
 }
 
 // A53.
@@ -196,18 +139,11 @@ inline F64x2 erfc53(F64x2 x) {
     F64x2 q = slot(ra, rb, kD2 + 11);
     for (int k = 10; k >= 0; --k) q = q * t + slot(ra, rb, kD2 + k);
     q = q * t;
-    Sum2 h = twoSum(slot(ra, rb, kD1Head), q);
-    F64x2 hh = highHalf(h.s), hl = h.s - hh;
-    F64x2 ht = (h.e + slot(ra, rb, kD1Tail)) + hl;  // d1 + q = hh + ht
-    F64x2 th = highHalf(t), tl = t - th;
-    F64x2 ph = hh * th;  // exact
-    F64x2 pl = (ht * tl + tl * hh) + th * ht;
-    Sum2 r = twoSum(slot(ra, rb, kD0Head), ph);
-    F64x2 low = (r.e + pl) + slot(ra, rb, kD0Tail);
-    F64x2 gh = highHalf(r.s);
-    F64x2 gl = (r.s - gh) + low;  // r.s - gh is exact
+    gauss::HeadTail g = gauss::lastTwoSteps(q, t, slot(ra, rb, kD1Head), slot(ra, rb, kD1Tail),
+                                            slot(ra, rb, kD0Head), slot(ra, rb, kD0Tail));
+    F64x2 gh = g.h, gl = g.e;
     // exp(-x^2) = S (T0 + El).
-    NegExpSquare ex = negExpSquare(x);
+    gauss::ExpParts ex = negExpSquare(x);
     F64x2 t0 = setLanes(tables::kErfcExp2Split[ex.j[0]][0], tables::kErfcExp2Split[ex.j[1]][0]);
     F64x2 t1 = setLanes(tables::kErfcExp2Split[ex.j[0]][1], tables::kErfcExp2Split[ex.j[1]][1]);
     F64x2 el = ex.p * (t0 + t1) + t1;
