@@ -635,6 +635,37 @@ ORVVM_API OrvStatus orvsCdfNorm_32f_A24(const Orv32f* src, Orv32f* dst, int32_t 
 ORVVM_API OrvStatus orvsCdfNorm_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsCdfNorm_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
 ORVVM_API OrvStatus orvsCdfNorm_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+/* ---- Inverse error functions and the normal quantile -----------------------
+ * ErfInv: dst[i] = erfinv(src[i]), -1 < x < 1.  ErfcInv: dst[i] =
+ * erfcinv(src[i]), 0 < x < 2.  CdfNormInv: dst[i] = the p-quantile of the
+ * standard normal distribution, 0 < p < 1.  Shape U; accurate right up to
+ * the poles and, for ErfcInv and CdfNormInv, down to the smallest
+ * subnormal arguments.  The poles (ErfInv +-1, ErfcInv 0 and 2, CdfNormInv
+ * 0 and 1) give infinities with orvStatusSingularity and the divide-by-zero
+ * flag; arguments outside the domain (infinities included) give the
+ * default NaN with orvStatusDomain and the invalid flag; the last warning
+ * in array order is returned.  A NaN gives x * x, no status.  ErfInv keeps
+ * the sign of zero; erfcinv(1) and the quantile of 0.5 are +0.  These
+ * members touch neither MXCSR nor the x87 control word: they compute in
+ * the caller's rounding mode. */
+ORVVM_API OrvStatus orvsErfInv_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfInv_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfInv_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfInv_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfInv_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfInv_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfcInv_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfcInv_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfcInv_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfcInv_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfcInv_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsErfcInv_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCdfNormInv_32f_A11(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCdfNormInv_32f_A21(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCdfNormInv_32f_A24(const Orv32f* src, Orv32f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCdfNormInv_64f_A26(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCdfNormInv_64f_A50(const Orv64f* src, Orv64f* dst, int32_t len);
+ORVVM_API OrvStatus orvsCdfNormInv_64f_A53(const Orv64f* src, Orv64f* dst, int32_t len);
 /* ---- Inverse trigonometric functions ------------------------------------
  * Asin, Acos: the whole domain is handled in the block loop.  +-1 give
  * exact values (Asin: +-pi/2, Acos: 0 and pi); |x| > 1 and the infinities

@@ -2,6 +2,9 @@
 
 #include <mpc.h>
 
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
@@ -50,6 +53,158 @@ void cdfNorm(mpfr_ptr* o, mpfr_srcptr* i) {
     mpfr_neg(s.v, s.v, R);
     mpfr_erfc(o[0], s.v, R);
     mpfr_div_2ui(o[0], o[0], 1, R);
+}
+
+// ---- Inverse error functions and the normal quantile ----------------------
+// MPFR has no inverse of erf, so the references solve erf(y) = x or
+// erfc(y) = w by Newton's iteration at kInversePrecision bits, above the
+// references' 192, from a start good to about 60 bits.  The iteration
+// converges quadratically: once a step is below 2^-(P/2 - 8) of the root,
+// the error after it is below 2^-(P - 16) or so, and the iteration stops.
+// An iteration that does not get there aborts the test run: a reference
+// that has not converged must never pass for a correct one.
+constexpr mpfr_prec_t kInversePrecision = 224;
+
+struct Wide {
+    mpfr_t v;
+    Wide() { mpfr_init2(v, kInversePrecision); }
+    ~Wide() { mpfr_clear(v); }
+};
+
+[[noreturn]] void notConverged(const char* what, mpfr_srcptr arg) {
+    std::fprintf(stderr, "reference %s: Newton's iteration did not converge at %.17g\n", what,
+                 mpfr_get_d(arg, R));
+    std::abort();
+}
+bool stepSmall(mpfr_srcptr step, mpfr_srcptr y) {
+    return mpfr_zero_p(step) || mpfr_get_exp(step) < mpfr_get_exp(y) - (kInversePrecision / 2 - 8);
+}
+
+// Starts near the roots, by the same iterations in x87 extended precision,
+// which save most of the steps at the working precision.  Any start
+// converges: the functions below are concave, so after one step Newton's
+// iterates approach the root from one side.
+long double startByErf(long double x) {
+    long double y = x * 0.886226925452758013649L;
+    for (int i = 0; i < 6; ++i) y -= (erfl(y) - x) * 0.886226925452758013649L * expl(y * y);
+    return y;
+}
+long double startByErfc(long double lw) {
+    long double y = sqrtl(lw);
+    for (int i = 0; i < 8; ++i) {
+        long double e = erfcl(y);
+        y += (logl(e) + lw) * e * 0.886226925452758013649L * expl(y * y);
+    }
+    return y;
+}
+
+// y > 0 with erf(y) = x, for 0 < x <= 1/2 (exact in x); erf is concave for
+// y > 0.
+void erfinvByErf(mpfr_ptr y, mpfr_srcptr x) {
+    Wide k, f, d, step;
+    mpfr_const_pi(k.v, R);
+    mpfr_sqrt(k.v, k.v, R);
+    mpfr_div_2ui(k.v, k.v, 1, R);  // sqrt(pi)/2 = 1 / erf'(0)
+    mpfr_set_ld(y, startByErf(mpfr_get_ld(x, R)), R);
+    for (int it = 0; it < 200; ++it) {
+        mpfr_erf(f.v, y, R);
+        mpfr_sub(f.v, f.v, x, R);
+        mpfr_sqr(d.v, y, R);
+        mpfr_exp(d.v, d.v, R);
+        mpfr_mul(step.v, f.v, d.v, R);
+        mpfr_mul(step.v, step.v, k.v, R);  // (erf(y) - x) / erf'(y)
+        mpfr_sub(y, y, step.v, R);
+        if (stepSmall(step.v, y)) return;
+    }
+    notConverged("erfinv", x);
+}
+
+// y > 0 with erfc(y) = w, for 0 < w <= 1/2, by the iteration on
+// ln erfc(y) = ln w (ln erfc is concave).  Working
+// on the logarithm keeps every quantity in range down to the smallest
+// subnormal w, where y is about 27.2.
+void erfcinvByErfc(mpfr_ptr y, mpfr_srcptr w) {
+    Wide lw, k, e, le, d, step;
+    mpfr_log(lw.v, w, R);
+    mpfr_set_ld(y, startByErfc(-mpfr_get_ld(lw.v, R)), R);
+    mpfr_const_pi(k.v, R);
+    mpfr_sqrt(k.v, k.v, R);
+    mpfr_div_2ui(k.v, k.v, 1, R);
+    for (int it = 0; it < 200; ++it) {
+        mpfr_erfc(e.v, y, R);
+        mpfr_log(le.v, e.v, R);
+        mpfr_sub(le.v, le.v, lw.v, R);
+        // (ln erfc(y) - ln w) / (d/dy ln erfc(y)), d/dy = -exp(-y^2) / (erfc(y) sqrt(pi)/2)
+        mpfr_sqr(d.v, y, R);
+        mpfr_exp(d.v, d.v, R);
+        mpfr_mul(step.v, le.v, e.v, R);
+        mpfr_mul(step.v, step.v, d.v, R);
+        mpfr_mul(step.v, step.v, k.v, R);
+        mpfr_add(y, y, step.v, R);
+        if (stepSmall(step.v, y)) return;
+    }
+    notConverged("erfcinv", w);
+}
+
+// erfcinv(x) for any x: the poles, the domain and the two halves.
+// erfcinv(x) = erfinv(1 - x), and 1 - x, x and 2 - x are exact where used.
+void erfcinvAny(mpfr_ptr o, mpfr_srcptr x) {
+    if (mpfr_nan_p(x) || mpfr_cmp_ui(x, 2) > 0 || mpfr_sgn(x) < 0) {
+        mpfr_set_nan(o);
+        return;
+    }
+    if (mpfr_zero_p(x)) return mpfr_set_inf(o, 1);
+    if (mpfr_cmp_ui(x, 2) == 0) return mpfr_set_inf(o, -1);
+    if (mpfr_cmp_ui(x, 1) == 0) return mpfr_set_zero(o, 1);
+    Wide y, a;
+    bool upper = mpfr_cmp_ui(x, 1) > 0;  // erfcinv(x) = -erfcinv(2 - x)
+    if (upper)
+        mpfr_ui_sub(a.v, 2, x, R);
+    else
+        mpfr_set(a.v, x, R);
+    if (mpfr_cmp_d(a.v, 0.5) > 0) {
+        mpfr_ui_sub(a.v, 1, a.v, R);
+        erfinvByErf(y.v, a.v);
+    } else {
+        erfcinvByErfc(y.v, a.v);
+    }
+    if (upper) mpfr_neg(y.v, y.v, R);
+    mpfr_set(o, y.v, R);
+}
+
+void erfInv(mpfr_ptr* o, mpfr_srcptr* i) {
+    mpfr_srcptr x = i[0];
+    if (mpfr_nan_p(x) || mpfr_cmpabs_ui(x, 1) > 0) return mpfr_set_nan(o[0]);
+    if (mpfr_zero_p(x)) {
+        mpfr_set(o[0], x, R);
+        return;
+    }
+    if (mpfr_cmpabs_ui(x, 1) == 0) return mpfr_set_inf(o[0], mpfr_sgn(x));
+    Wide a, y;
+    mpfr_abs(a.v, x, R);
+    if (mpfr_cmp_d(a.v, 0.5) <= 0) {
+        erfinvByErf(y.v, a.v);
+    } else {
+        mpfr_ui_sub(a.v, 1, a.v, R);
+        erfcinvByErfc(y.v, a.v);
+    }
+    mpfr_setsign(o[0], y.v, mpfr_signbit(x), R);
+}
+
+void erfcInv(mpfr_ptr* o, mpfr_srcptr* i) { erfcinvAny(o[0], i[0]); }
+
+// The normal quantile: Phi^-1(p) = -sqrt(2) erfcinv(2p); 2p is exact.
+void cdfNormInv(mpfr_ptr* o, mpfr_srcptr* i) {
+    if (mpfr_nan_p(i[0]) || mpfr_sgn(i[0]) < 0 || mpfr_cmp_ui(i[0], 1) > 0) return mpfr_set_nan(o[0]);
+    if (mpfr_zero_p(i[0])) return mpfr_set_inf(o[0], -1);
+    if (mpfr_cmp_ui(i[0], 1) == 0) return mpfr_set_inf(o[0], 1);
+    if (mpfr_cmp_d(i[0], 0.5) == 0) return mpfr_set_zero(o[0], 1);
+    Wide p2, y, r;
+    mpfr_mul_2ui(p2.v, i[0], 1, R);
+    erfcinvAny(y.v, p2.v);
+    mpfr_sqrt_ui(r.v, 2, R);
+    mpfr_mul(y.v, y.v, r.v, R);
+    mpfr_neg(o[0], y.v, R);
 }
 
 struct Entry {
@@ -118,6 +273,9 @@ const Entry kEntries[] = {
     REAL1("Erf", mpfr_erf(o[0], i[0], R)),
     REAL1("Erfc", mpfr_erfc(o[0], i[0], R)),
     {"CdfNorm", false, cdfNorm, kPrecision},
+    {"ErfInv", false, erfInv, kPrecision},
+    {"ErfcInv", false, erfcInv, kPrecision},
+    {"CdfNormInv", false, cdfNormInv, kPrecision},
 
     // Complex members.
     {"Add", true, [](mpfr_ptr* o, mpfr_srcptr* i) { mpfr_add(o[0], i[0], i[2], R); mpfr_add(o[1], i[1], i[3], R); }, kExactSumPrecision},
