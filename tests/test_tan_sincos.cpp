@@ -366,7 +366,8 @@ TEST(Tan, A53ResultsDependOnTheElementAlone) {
     for (int i = 0; i < n; i += 3) x[i] = (i % 2) ? INFINITY : 1e300;
     EXPECT_EQ(orvsTan_64f_A53(x.data(), mixed.data(), n), orvStatusDomain);
     for (int i = 0; i < n; ++i) {
-        if (i % 3 != 0) EXPECT_SAME_BITS(mixed[i], alone[i]) << x[i];
+        if (i % 3 == 0) continue;
+        EXPECT_SAME_BITS(mixed[i], alone[i]) << x[i];
     }
 }
 
