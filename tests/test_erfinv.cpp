@@ -499,6 +499,36 @@ TEST(ErfInv, RoundTripThroughErf) {
     }
 }
 
+// Phi^-1(Phi(x)) comes back to x within the two tiers' bounds: a relative
+// error e of Phi(x) moves the result by e Phi(x)/phi(x).
+TEST(CdfNormInv, RoundTripThroughCdfNorm) {
+    std::mt19937 gen(18);
+    std::vector<double> x64(2000);
+    for (double& v : x64) v = std::uniform_real_distribution<double>(-3.0, 3.0)(gen);
+    std::vector<float> x32(x64.begin(), x64.end());
+    Fn<float> cdf32[] = {orvsCdfNorm_32f_A11, orvsCdfNorm_32f_A21, orvsCdfNorm_32f_A24};
+    Fn<double> cdf64[] = {orvsCdfNorm_64f_A26, orvsCdfNorm_64f_A50, orvsCdfNorm_64f_A53};
+    const double bits32[] = {11, 21, 23}, bits64[] = {26, 50, 52};
+    auto gain = [](double x) {
+        const double phi = 0.398942280401432678 * std::exp(-0.5 * x * x);
+        return 0.5 * std::erfc(-x * 0.707106781186547524) / phi;
+    };
+    for (int t = 0; t < 3; ++t) {
+        std::vector<float> p32(x32.size()), back32(x32.size());
+        cdf32[t](x32.data(), p32.data(), int32_t(x32.size()));
+        kCdfInv32[t].fn(p32.data(), back32.data(), int32_t(x32.size()));
+        std::vector<double> p64(x64.size()), back64(x64.size());
+        cdf64[t](x64.data(), p64.data(), int32_t(x64.size()));
+        kCdfInv64[t].fn(p64.data(), back64.data(), int32_t(x64.size()));
+        for (size_t i = 0; i < x64.size(); ++i) {
+            double tol32 = (std::fabs(x32[i]) + gain(x32[i])) * std::ldexp(2.0, -int(bits32[t]));
+            double tol64 = (std::fabs(x64[i]) + gain(x64[i])) * std::ldexp(2.0, -int(bits64[t]));
+            EXPECT_NEAR(back32[i], x32[i], tol32) << kCdfInv32[t].name << " x = " << x32[i];
+            EXPECT_NEAR(back64[i], x64[i], tol64) << kCdfInv64[t].name << " x = " << x64[i];
+        }
+    }
+}
+
 TEST(ErfcInv, ReflectsErfInv) {
     std::mt19937 gen(17);
     for (int i = 0; i < 2000; ++i) {
