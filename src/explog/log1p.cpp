@@ -304,7 +304,7 @@ ORV_RECORDS(
      .peerVectors = "log1p"},
     {.member = "orvsLog1p_64f_A26", .maxUlp = 2.1e6, .worst = {0x1.ffb7c36c7286p-11}, .ranges = log1pRanges(kFinite64),
      .peerVectors = "log1p"},
-    {.member = "orvsLog1p_64f_A50", .maxUlp = 1.78, .worst = {0x1.fe30e4ce82388p-11}, .ranges = log1pRanges(kFinite64),
+    {.member = "orvsLog1p_64f_A50", .maxUlp = 3.31, .worst = {0x1.00123e275042ap-10}, .ranges = log1pRanges(kFinite64),
      .peerVectors = "log1p"},
     {.member = "orvsLog1p_64f_A53", .maxUlp = 0.56, .worst = {0x1.53ce494de8bfbp-53}, .ranges = log1pRanges(kFinite64),
      .peerVectors = "log1p"})
