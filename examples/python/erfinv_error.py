@@ -54,7 +54,7 @@ def main():
         xs = x.astype(dtype)
         ex = exact if dtype == np.float64 else (scipy.special.erfinv(xs.astype(np.float64)), np.zeros_like(x))
         for level in orvvm.LEVELS:
-            with np.errstate(invalid="ignore"):
+            with np.errstate(invalid="ignore", divide="ignore"):
                 e = ulps(getattr(orvvm, level).erfinv(xs), ex, dtype)
             # Points next to +-1 that round to +-1 in float32 have no finite
             # result to measure.
@@ -78,14 +78,19 @@ def main():
             print(f"[{lo:5.2f}, {hi:5.2f})  " + " ".join(f"{np.nanmax(np.abs(c[band])):30.3f}" for c in curves.values()))
         return
 
+    # |error| on a log scale: the levels lie decades apart (below 1 ulp,
+    # below 4, and 26 or 11 correct bits), so a linear axis shows only the
+    # lowest.  Exact results are drawn at 1e-3.
     fig, axes = plt.subplots(2, 1, figsize=(10, 8), sharex=True)
-    for label, c in curves.items():
+    # SciPy first, so that orvvm's highest level is drawn over it.
+    for label, c in sorted(curves.items(), key=lambda kv: not kv[0].startswith("scipy")):
         ax = axes[0] if "float64" in label else axes[1]
-        ax.plot(x, c, ".", markersize=1.5, label=label)
-    axes[0].set_title(f"erfinv error in ulps, against {against}")
+        ax.plot(x, np.maximum(np.abs(c), 1e-3), ".", markersize=1.5, label=label)
+    axes[0].set_title(f"erfinv |error| in ulps, against {against}")
     axes[1].set_title("float32, against erfinv in binary64")
     for ax in axes:
-        ax.set_ylabel("error (ulp)")
+        ax.set_yscale("log")
+        ax.set_ylabel("|error| (ulp)")
         ax.legend(markerscale=6, fontsize=8)
         ax.grid(alpha=0.3)
     axes[1].set_xlabel("x")
