@@ -133,22 +133,14 @@ inline double element64(double x, StatusVar& status, Kernel&& kernel) {
 
 template <const erfinv::Bands32& B, class L>
 inline OrvStatus run32(const float* src, float* dst, int32_t len, const float* table) {
-    return lengthFirstFrame<kGuardNone>({src, dst}, len, [&](StatusVar& status) {
-        auto kernel = [table](F32x4 x, int& fail) { return erfinv::kernel32<Fn::ErfInv, B, L>(x, table, fail); };
-        laneFixup<kBlock32>(
-            src, dst, len, [&](const float* in, float* out) { return erfinv::block32<kBlock32>(in, out, kernel); },
-            [&](float x) { return element32(x, status, kernel); });
-    });
+    return erfinv::loop32<Fn::ErfInv, kBlock32, B, L>(
+        src, dst, len, table, [](float x, StatusVar& status, auto& kernel) { return element32(x, status, kernel); });
 }
 
 template <int N, const erfinv::Bands64& B, class L>
 inline OrvStatus run64(const double* src, double* dst, int32_t len, const double* table) {
-    return lengthFirstFrame<kGuardNone>({src, dst}, len, [&](StatusVar& status) {
-        auto kernel = [table](F64x2 x, int& fail) { return erfinv::kernel64<Fn::ErfInv, B, L>(x, table, fail); };
-        laneFixup<N>(
-            src, dst, len, [&](const double* in, double* out) { return erfinv::block64<N>(in, out, kernel); },
-            [&](double x) { return element64(x, status, kernel); });
-    });
+    return erfinv::loop64<Fn::ErfInv, N, B, L>(
+        src, dst, len, table, [](double x, StatusVar& status, auto& kernel) { return element64(x, status, kernel); });
 }
 
 #endif

@@ -42,6 +42,8 @@
 #include <cstdint>
 
 #include "frame/bits.h"
+#include "frame/blockpath.h"
+#include "frame/frame.h"
 #include "frame/simd.h"
 #include "tables/erfinv_tables.h"
 
@@ -301,6 +303,29 @@ template <class Kernel>
 inline double oneLane(double x, Kernel&& kernel) {
     int fail;
     return lane0(kernel(setLanes(x, 0.0), fail));
+}
+
+// ---- The loops ----------------------------------------------------------------
+// Every member of the three families: blocks of N through the kernel of F
+// with band set B and row layout L, and each lane the block's screen fails
+// through the family's element path, element(x, status, kernel).
+template <Fn F, int N, const Bands32& B, class L, class Element>
+inline OrvStatus loop32(const float* src, float* dst, int32_t len, const float* table, Element&& element) {
+    return lengthFirstFrame<kGuardNone>({src, dst}, len, [&](StatusVar& status) {
+        auto kernel = [table](F32x4 x, int& fail) { return kernel32<F, B, L>(x, table, fail); };
+        laneFixup<N>(
+            src, dst, len, [&](const float* in, float* out) { return block32<N>(in, out, kernel); },
+            [&](float x) { return element(x, status, kernel); });
+    });
+}
+template <Fn F, int N, const Bands64& B, class L, class Element>
+inline OrvStatus loop64(const double* src, double* dst, int32_t len, const double* table, Element&& element) {
+    return lengthFirstFrame<kGuardNone>({src, dst}, len, [&](StatusVar& status) {
+        auto kernel = [table](F64x2 x, int& fail) { return kernel64<F, B, L>(x, table, fail); };
+        laneFixup<N>(
+            src, dst, len, [&](const double* in, double* out) { return block64<N>(in, out, kernel); },
+            [&](double x) { return element(x, status, kernel); });
+    });
 }
 
 // ---- Tails ------------------------------------------------------------------
